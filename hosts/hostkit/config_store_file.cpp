@@ -1,0 +1,164 @@
+#include "config_store_file.h"
+
+#include <cstring>
+
+#include "file_util.h"
+
+namespace hostkit {
+
+namespace {
+
+// "TSLNCFG1", entry count (u32), entries, then the end mark: a cut file never decodes.
+constexpr char magic[8] = {'T', 'S', 'L', 'N', 'C', 'F', 'G', '1'};
+constexpr char end_mark[4] = {'E', 'N', 'D', '.'};
+
+void put_u32(std::string& out, std::uint32_t v) {
+    for (int i = 0; i < 4; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
+}
+
+void put_u64(std::string& out, std::uint64_t v) {
+    for (int i = 0; i < 8; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
+}
+
+class reader {
+public:
+    explicit reader(const std::string& d) : d_(d) {}
+    bool bytes(std::size_t n, std::string& out) {
+        if (d_.size() - pos_ < n) return false;
+        out.assign(d_, pos_, n);
+        pos_ += n;
+        return true;
+    }
+    bool u32(std::uint32_t& v) {
+        std::string b;
+        if (!bytes(4, b)) return false;
+        v = 0;
+        for (int i = 3; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(b[static_cast<std::size_t>(i)]);
+        return true;
+    }
+    bool u64(std::uint64_t& v) {
+        std::string b;
+        if (!bytes(8, b)) return false;
+        v = 0;
+        for (int i = 7; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(b[static_cast<std::size_t>(i)]);
+        return true;
+    }
+    bool text(std::string& out) {
+        std::uint32_t n;
+        return u32(n) && bytes(n, out);
+    }
+    bool at_end() const { return pos_ == d_.size(); }
+
+private:
+    const std::string& d_;
+    std::size_t pos_ = 0;
+};
+
+class block : public memory_block {
+public:
+    explicit block(std::string data) : data_(std::move(data)) {}
+    std::size_t size() const override { return data_.size(); }
+    const void* data() const override { return data_.data(); }
+
+private:
+    std::string data_;
+};
+
+} // namespace
+
+std::string config_store_file::encode(const map& values) {
+    std::string out(magic, sizeof magic);
+    put_u32(out, static_cast<std::uint32_t>(values.size()));
+    for (auto& [key, v] : values) {
+        out += static_cast<char>(v.type);
+        put_u32(out, static_cast<std::uint32_t>(key.size()));
+        out += key;
+        if (v.type == value::kind::integer) {
+            put_u64(out, static_cast<std::uint64_t>(v.number));
+        } else {
+            put_u32(out, static_cast<std::uint32_t>(v.bytes.size()));
+            out += v.bytes;
+        }
+    }
+    out.append(end_mark, sizeof end_mark);
+    return out;
+}
+
+bool config_store_file::decode(const std::string& data, map& out) {
+    out.clear();
+    reader r(data);
+    std::string head;
+    std::uint32_t count;
+    if (!r.bytes(sizeof magic, head) || std::memcmp(head.data(), magic, sizeof magic) != 0 || !r.u32(count))
+        return false;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::string kind, key;
+        if (!r.bytes(1, kind) || !r.text(key)) return false;
+        value v{static_cast<value::kind>(kind[0]), 0, {}};
+        if (v.type == value::kind::integer) {
+            std::uint64_t n;
+            if (!r.u64(n)) return false;
+            v.number = static_cast<std::int64_t>(n);
+        } else if (v.type == value::kind::text || v.type == value::kind::blob) {
+            if (!r.text(v.bytes)) return false;
+        } else {
+            return false;
+        }
+        out[key] = std::move(v);
+    }
+    std::string tail;
+    return r.bytes(sizeof end_mark, tail) && std::memcmp(tail.data(), end_mark, sizeof end_mark) == 0 && r.at_end();
+}
+
+config_store_file::config_store_file(std::filesystem::path file) : file_(std::move(file)) {
+    std::FILE* f = open_file(file_, "rb");
+    if (!f) return;
+    std::string data;
+    char chunk[65536];
+    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data.append(chunk, n);
+    std::fclose(f);
+    if (!decode(data, values_)) {
+        corrupt_ = true;
+        values_.clear();
+        std::filesystem::path aside = file_;
+        aside += ".corrupt";
+        std::error_code ec;
+        std::filesystem::rename(file_, aside, ec);
+    }
+}
+
+void config_store_file::set(const char* key, value v) {
+    std::lock_guard lock(lock_);
+    values_[key] = std::move(v);
+    replace_file_atomically(file_, encode(values_));
+    ++saves_;
+}
+
+std::int64_t config_store_file::get_int(const char* key, std::int64_t fallback) {
+    std::lock_guard lock(lock_);
+    auto it = values_.find(key);
+    return it != values_.end() && it->second.type == value::kind::integer ? it->second.number : fallback;
+}
+
+void config_store_file::set_int(const char* key, std::int64_t v) { set(key, value{value::kind::integer, v, {}}); }
+
+std::string config_store_file::get_string(const char* key, const char* fallback) {
+    std::lock_guard lock(lock_);
+    auto it = values_.find(key);
+    return it != values_.end() && it->second.type == value::kind::text ? it->second.bytes : std::string(fallback);
+}
+
+void config_store_file::set_string(const char* key, const char* v) { set(key, value{value::kind::text, 0, v}); }
+
+service_ref<memory_block> config_store_file::get_blob(const char* key) {
+    std::lock_guard lock(lock_);
+    auto it = values_.find(key);
+    if (it == values_.end() || it->second.type != value::kind::blob) return {};
+    return make_service<block>(it->second.bytes);
+}
+
+void config_store_file::set_blob(const char* key, const void* data, std::size_t size) {
+    set(key, value{value::kind::blob, 0, std::string(static_cast<const char*>(data), size)});
+}
+
+} // namespace hostkit

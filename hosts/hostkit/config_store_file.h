@@ -1,0 +1,55 @@
+#pragma once
+// The configuration store: one file in the profile folder holding integers, strings and blobs.
+// Every change writes a whole new file and renames it over the old one.
+
+#include <atomic>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include <tunehall/config_store.h>
+
+namespace hostkit {
+
+class config_store_file : public host_config_store {
+public:
+    // Loads `file` when it exists. A file that cannot be read is set aside as "<file>.corrupt"
+    // (nothing is thrown away) and the store starts empty.
+    explicit config_store_file(std::filesystem::path file);
+
+    std::int64_t get_int(const char* key, std::int64_t fallback) override;
+    void set_int(const char* key, std::int64_t value) override;
+    std::string get_string(const char* key, const char* fallback) override;
+    void set_string(const char* key, const char* value) override;
+    service_ref<memory_block> get_blob(const char* key) override;
+    void set_blob(const char* key, const void* data, std::size_t size) override;
+
+    // How many times the file was written (diagnostics and tests).
+    std::size_t save_count() const { return saves_.load(); }
+    // Whether loading found a damaged file.
+    bool found_corrupt_file() const { return corrupt_; }
+
+    // The file's form, exposed for tests of damaged files.
+    struct value {
+        enum class kind : unsigned char { integer = 1, text = 2, blob = 3 } type;
+        std::int64_t number = 0;
+        std::string bytes;
+        bool operator==(const value&) const = default;
+    };
+    using map = std::map<std::string, value>;
+    static std::string encode(const map& values);
+    // False when `data` is not a complete store file.
+    static bool decode(const std::string& data, map& out);
+
+private:
+    void set(const char* key, value v);
+
+    std::filesystem::path file_;
+    std::mutex lock_;
+    map values_;
+    std::atomic<std::size_t> saves_{0};
+    bool corrupt_ = false;
+};
+
+} // namespace hostkit

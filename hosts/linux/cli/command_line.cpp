@@ -1,0 +1,32 @@
+#include "cli/command_line.h"
+
+#include <unistd.h>
+
+namespace tessellon_cli {
+
+invocation parse_globals(int argc, char** argv) {
+    invocation inv;
+    int i = 1;
+    for (; i < argc; ++i) {
+        std::string a = argv[i];
+        auto value = [&](const char* name) -> std::string {
+            if (i + 1 >= argc) throw usage_error{std::string(name) + " needs a value"};
+            return argv[++i];
+        };
+        if (a == "--profile") inv.globals.profile = value("--profile");
+        else if (a.rfind("--profile=", 0) == 0) inv.globals.profile = a.substr(10);
+        else if (a == "--component") inv.globals.component = value("--component");
+        else break;
+    }
+    for (; i < argc; ++i) inv.args.emplace_back(argv[i]);
+    return inv;
+}
+
+std::filesystem::path default_component_path() {
+    std::error_code ec;
+    std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
+    std::filesystem::path dir = ec ? std::filesystem::current_path() : self.parent_path();
+    return dir / "sonatag2.so";
+}
+
+} // namespace tessellon_cli

@@ -1,0 +1,35 @@
+#pragma once
+// The `tessellon` command line: global options, then a command and its arguments.
+
+#include <filesystem>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace tessellon_cli {
+
+// Exit statuses: success; nothing found, cancelled or aborted; bad usage or a failure.
+enum exit_status : int { exit_ok = 0, exit_nothing = 1, exit_failure = 2 };
+
+// Bad usage: the text names what is wrong; the command ends with exit_failure.
+struct usage_error {
+    std::string text;
+};
+
+struct global_options {
+    std::string profile;       // --profile DIR
+    std::string component;     // --component FILE (default: sonatag2.so beside the program)
+};
+
+struct invocation {
+    global_options globals;
+    std::vector<std::string> args;   // the command and its arguments
+};
+
+// Splits the global options off the front of `argv`.
+invocation parse_globals(int argc, char** argv);
+
+// Where the component file is looked for when --component is not given.
+std::filesystem::path default_component_path();
+
+} // namespace tessellon_cli

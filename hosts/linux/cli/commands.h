@@ -1,0 +1,19 @@
+#pragma once
+// The commands of `tessellon`. Each takes its arguments (without the command name), prints to
+// stdout (data) and stderr (messages), and returns an exit status.
+
+#include <string>
+#include <vector>
+
+#include "cli/command_line.h"
+
+namespace tessellon_cli {
+
+using arguments = std::vector<std::string>;
+
+int run_about(const global_options& globals, const arguments& args);
+
+// The text of `tessellon --help`.
+extern const char* const help_text;
+
+} // namespace tessellon_cli

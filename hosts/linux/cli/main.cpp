@@ -1,0 +1,40 @@
+// tessellon: the Linux host's command line.
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+#include "cli/commands.h"
+
+using namespace tessellon_cli;
+
+namespace {
+
+int dispatch(const invocation& inv) {
+    if (inv.args.empty()) throw usage_error{"no command given (try tessellon --help)"};
+    const std::string& command = inv.args[0];
+    arguments rest(inv.args.begin() + 1, inv.args.end());
+    if (command == "--version") {
+        std::printf("Tessellon 0.9\n");
+        return exit_ok;
+    }
+    if (command == "--help" || command == "-h" || command == "help") {
+        std::fputs(help_text, stdout);
+        return exit_ok;
+    }
+    if (command == "about") return run_about(inv.globals, rest);
+    throw usage_error{"unknown command '" + command + "' (try tessellon --help)"};
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return dispatch(parse_globals(argc, argv));
+    } catch (const usage_error& e) {
+        std::fprintf(stderr, "tessellon: %s\n", e.text.c_str());
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "tessellon: %s\n", e.what());
+    }
+    return exit_failure;
+}

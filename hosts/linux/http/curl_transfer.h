@@ -1,0 +1,71 @@
+#pragma once
+// One HTTP GET on libcurl, driven by the thread that reads it: first the final answer's
+// headers (redirects followed), then the body as it arrives. Nothing runs in the background:
+// the reader waits in libcurl's poll for at most 100 ms at a time, so an abort is seen
+// promptly and a slow server ties up no extra thread.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include <curl/curl.h>
+#include <tunehall/abort.h>
+
+#include "http_request_policy.h"
+
+class curl_transfer {
+public:
+    curl_transfer(std::string url, const http_request_policy& policy);
+    ~curl_transfer();
+    curl_transfer(const curl_transfer&) = delete;
+    curl_transfer& operator=(const curl_transfer&) = delete;
+
+    // Runs the request until the headers of the final answer are in. Raises
+    // tunehall_io::exception_aborted, or tunehall_io::exception_io naming the URL when the
+    // request fails before an answer arrives.
+    void wait_for_headers(abort_source& abort);
+
+    const std::string& url() const { return url_; }
+    long status() const { return status_; }
+    // The status line's text after the code ("Not Found"); empty when the server gave none.
+    const std::string& reason() const { return reason_; }
+    // The body's declared length, or -1 when the server did not declare one.
+    std::int64_t content_length() const { return content_length_; }
+
+    // Copies up to `size` bytes of the body; 0 only at its end. Bytes that arrived before a
+    // failure are delivered first, then the failure is raised as by wait_for_headers.
+    std::size_t read(void* buffer, std::size_t size, abort_source& abort);
+
+private:
+    template <typename Ready>
+    void run_until(Ready ready, abort_source& abort);
+    void perform();
+    void end_of_header_block();
+    [[noreturn]] void raise_failure() const;
+
+    static std::size_t on_header(char* data, std::size_t size, std::size_t count, void* self);
+    static std::size_t on_body(char* data, std::size_t size, std::size_t count, void* self);
+    static int on_progress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t);
+
+    std::string url_;
+    CURLM* multi_ = nullptr;
+    CURL* easy_ = nullptr;
+    char error_[CURL_ERROR_SIZE] = {};
+    // Set while the reader drives the transfer, so that libcurl's progress callback can stop it.
+    abort_source* abort_ = nullptr;
+
+    // The answer being received (reset by each header block until the final one).
+    long status_ = 0;
+    std::string reason_;
+    bool location_ = false;
+    bool headers_done_ = false;
+    std::int64_t content_length_ = -1;
+
+    bool done_ = false;
+    CURLcode result_ = CURLE_OK;
+
+    // Body bytes not yet read. Bounded: when it is full, libcurl is paused until it drains.
+    std::string buffer_;
+    std::size_t buffer_pos_ = 0;
+    bool paused_ = false;
+};

@@ -1,0 +1,52 @@
+#include "support/temp_folder.h"
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#ifdef _WIN32
+#include <process.h>
+#define TESSELLON_PID _getpid()
+#else
+#include <unistd.h>
+#define TESSELLON_PID getpid()
+#endif
+
+namespace testing_support {
+
+temp_folder::temp_folder(const std::string& tag) {
+    static std::atomic<unsigned> counter{0};
+    std::random_device rd;
+    std::ostringstream name;
+    name << tag << '-' << TESSELLON_PID << '-' << counter++ << '-' << rd();
+    path_ = std::filesystem::temp_directory_path() / name.str();
+    std::filesystem::create_directories(path_);
+}
+
+temp_folder::~temp_folder() {
+    std::error_code ec;
+    // Read-only files left by tests must not keep the folder alive.
+    for (auto& e : std::filesystem::recursive_directory_iterator(path_, ec))
+        std::filesystem::permissions(e.path(), std::filesystem::perms::owner_all, std::filesystem::perm_options::add, ec);
+    std::filesystem::remove_all(path_, ec);
+}
+
+std::string read_file(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return out.str();
+}
+
+void write_file(const std::filesystem::path& path, const std::string& data) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(data.data(), static_cast<std::streamsize>(data.size()));
+}
+
+std::filesystem::path fixture(const std::string& relative) {
+    return std::filesystem::path(TESSELLON_FIXTURES) / relative;
+}
+
+} // namespace testing_support

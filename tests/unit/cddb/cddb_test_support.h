@@ -1,0 +1,105 @@
+#pragma once
+// Helpers shared by the CDDB tests: tracks with chosen lengths and info records, an answer held
+// in memory as a byte stream, and a stand-in for the host's HTTP layer that serves prepared
+// answers and records the URLs it was asked for.
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <tunehall/stream.h>
+#include <tunehall/track.h>
+
+#include "cddb/disc_record.h"
+#include "cddb/response_handler.h"
+
+namespace cddb_testing {
+
+// A track of the user's selection.
+class test_track : public track_handle {
+public:
+    // `info` absent: the host has no info record for the track.
+    test_track(std::vector<double> lengths_per_read, std::optional<track_info> info)
+        : lengths_(std::move(lengths_per_read)), info_(std::move(info)) {}
+
+    const char* path() const override { return ""; }
+    std::uint32_t subsong() const override { return 0; }
+    // Each call answers the next of the given lengths, the last one repeating.
+    double length() const override;
+    bool get_info(track_info& out) const override;
+
+    std::size_t length_reads() const { return reads_; }
+
+private:
+    std::vector<double> lengths_;
+    std::optional<track_info> info_;
+    mutable std::size_t reads_ = 0;
+};
+
+// Tracks of the given lengths; the first has an info record with `pregap` (no field when null).
+track_list tracks_of(const std::vector<double>& lengths, const char* pregap = nullptr);
+// The same, but the host has no info record for the first track.
+track_list tracks_without_info(const std::vector<double>& lengths);
+
+// Bytes held in memory, read in chunks of at most `chunk` bytes.
+class memory_reader final : public stream_reader {
+public:
+    explicit memory_reader(std::string bytes) : bytes_(std::move(bytes)) {}
+    std::size_t read(void* buffer, std::size_t size, abort_source& abort) override;
+
+private:
+    std::string bytes_;
+    std::size_t at_ = 0;
+};
+
+// A fixture file's bytes; fails the calling test when the file is missing or empty.
+std::string fixture_bytes(const std::string& relative);
+
+// One row of xmcd/cddb-discid-tocs.tsv: a real disc's TOC and id, and its entry file.
+struct fixture_disc {
+    std::string computed_id;   // lower-case hex
+    std::uint32_t track_count = 0;
+    std::vector<std::uint32_t> offsets;
+    std::uint32_t disc_seconds = 0;
+    std::string discid_field;  // the entry's DISCID text
+    std::string file;          // under xmcd/entries/
+};
+std::vector<fixture_disc> fixture_discs();
+
+// Feeds `answer` through the real line splitter into `handler`.
+void feed_answer(response_handler& handler, const std::string& answer);
+
+// Every line of `text` split at CR and LF, empty lines dropped (for feeding the xmcd parser).
+std::vector<std::string> lines_of(const std::string& text);
+
+// Stands in for the host's HTTP layer: answers every http:// URL with the next prepared answer
+// (or an i/o failure), and can trip an abort source after a number of bytes.
+class canned_http : public filesystem {
+public:
+    struct answer {
+        std::string bytes;
+        std::optional<std::string> failure;  // raised by open as tunehall_io::exception_io
+        std::size_t abort_after = static_cast<std::size_t>(-1);
+        abort_source_impl* abort_target = nullptr;
+    };
+
+    void push(std::string bytes) { answers_.push_back(answer{std::move(bytes), {}, static_cast<std::size_t>(-1), nullptr}); }
+    void push(answer a) { answers_.push_back(std::move(a)); }
+    const std::vector<std::string>& urls() const { return urls_; }
+    // How many opened streams are still held by someone.
+    int open_streams() const { return *open_streams_; }
+
+    bool is_our_path(const char* path) override;
+    file_ptr open(const char* path, open_mode mode, abort_source& abort) override;
+    void create_directory(const char*, abort_source&) override {}
+
+private:
+    std::vector<answer> answers_;
+    std::vector<std::string> urls_;
+    std::shared_ptr<int> open_streams_ = std::make_shared<int>(0);
+};
+
+} // namespace cddb_testing

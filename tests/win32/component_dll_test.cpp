@@ -1,0 +1,83 @@
+// The real sonatag2.dll under Windows (Wine): loading through its entry, what it registers, and
+// the installation check under its own name and under another one.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include <hostkit/file_util.h>
+#include <hostkit/host.h>
+#include <tunehall/component.h>
+#include <tunehall/shared.h>
+
+namespace {
+
+std::filesystem::path module_dir() {
+    wchar_t buffer[MAX_PATH];
+    GetModuleFileNameW(nullptr, buffer, MAX_PATH);
+    return std::filesystem::path(buffer).parent_path();
+}
+
+struct dll_host {
+    std::filesystem::path profile;
+    std::unique_ptr<hostkit::host> host;
+    explicit dll_host(const std::string& tag) {
+        profile = std::filesystem::temp_directory_path() / ("tessellon-win32-" + tag);
+        std::filesystem::remove_all(profile);
+        hostkit::host_options options;
+        options.profile = profile;
+        options.console_to_stderr = false;
+        options.popups_to_stderr = false;
+        host = std::make_unique<hostkit::host>(options);
+    }
+    ~dll_host() {
+        host.reset();
+        std::error_code ec;
+        std::filesystem::remove_all(profile, ec);
+    }
+};
+
+bool installed_correctly() {
+    auto checks = all_services<installation_check>();
+    EXPECT_EQ(checks.size(), 1u);
+    return !checks.empty() && checks[0]->is_installed_correctly();
+}
+
+} // namespace
+
+TEST(component_dll, loads_through_its_entry_and_registers_its_identity) {
+    dll_host h("identity");
+    hostkit::loaded_component& c = h.host->load_component(hostkit::path_utf8(module_dir() / SONATAG2_DLL_NAME));
+    EXPECT_EQ(c.client().get_version(), 81u);
+    EXPECT_FALSE(c.client().is_debug());
+    auto versions = all_services<component_version>();
+    ASSERT_EQ(versions.size(), 1u);
+    EXPECT_STREQ(versions[0]->get_component_name(), "Tessellon");
+    EXPECT_STREQ(versions[0]->get_component_version(), "0.9");
+}
+
+TEST(component_dll, installation_check_passes_under_its_own_name) {
+    dll_host h("own-name");
+    h.host->load_component(hostkit::path_utf8(module_dir() / SONATAG2_DLL_NAME));
+    EXPECT_TRUE(installed_correctly());
+}
+
+TEST(component_dll, installation_check_reports_a_renamed_file) {
+    std::filesystem::path renamed = std::filesystem::temp_directory_path() / "tessellon-renamed" / "sonatag2-copy.dll";
+    std::filesystem::create_directories(renamed.parent_path());
+    std::filesystem::copy_file(module_dir() / SONATAG2_DLL_NAME, renamed, std::filesystem::copy_options::overwrite_existing);
+    // The copy imports the host's shared library from beside the program that loads it.
+    std::filesystem::copy_file(module_dir() / "tunehall_shared.dll", renamed.parent_path() / "tunehall_shared.dll",
+                               std::filesystem::copy_options::overwrite_existing);
+    {
+        dll_host h("renamed");
+        h.host->load_component(hostkit::path_utf8(renamed));
+        EXPECT_FALSE(installed_correctly());
+        std::string events;
+        uCrashInfo_Events(&events);
+        EXPECT_NE(events.find("Component rename detected: sonatag2.dll >> sonatag2-copy.dll"), std::string::npos) << events;
+    }
+    std::error_code ec;
+    std::filesystem::remove_all(renamed.parent_path(), ec);
+}
