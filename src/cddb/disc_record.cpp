@@ -44,7 +44,8 @@ void append_unescaped(std::string& out, const char* text, std::size_t length) {
     }
 }
 
-disc_record::disc_record(const disc_record& other) : tracks_(other.tracks_.size()), various_artists_(other.various_artists_) {
+disc_record::disc_record(const disc_record& other)
+    : tracks_(other.tracks_.size()), various_artists_(other.various_artists_) {
     for (unsigned i = 0; i < field_count; ++i) fields_[i] = other.fields_[i];
     for (std::size_t t = 0; t < tracks_.size(); ++t)
         for (unsigned f = 0; f < track_field_count; ++f) tracks_[t].fields[f] = other.tracks_[t].fields[f];

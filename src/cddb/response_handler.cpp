@@ -31,7 +31,9 @@ void response_handler::on_line(std::string_view line) {
 }
 
 void response_handler::on_finish() {
-    if (body_pending_) throw tunehall_io::exception_io_data();
+    // An announced body that never came, or no answer at all (not even a status line: an empty
+    // reply would otherwise finish as an empty entry), is malformed.
+    if (body_pending_ || state_ == awaiting_status) throw tunehall_io::exception_io_data();
     on_end();
 }
 

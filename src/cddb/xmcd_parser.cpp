@@ -8,8 +8,8 @@
 
 namespace {
 
-// Real discs have at most 99 tracks; a larger number in an answer would only make the record
-// allocate without bound.
+// Real discs have at most 99 tracks. A track number far beyond that can only be garbage, and
+// growing the record to reach it would allocate without bound.
 constexpr std::uint32_t max_track_number = 9999;
 
 std::string_view skip_blanks(std::string_view text) {
@@ -157,7 +157,9 @@ void finish_disc_record(disc_record& record) {
         return stricmp_utf8_ex(artist.data(), artist.size(), name, TUNEHALL_NUL_TERMINATED) == 0;
     };
     bool various = is("various") || is("various artists");
-    for (std::size_t t = 0, n = record.get_track_count(); !various && t < n; ++t)
-        various = std::string_view(record.get_track_field(t, disc_record::ttitle)).find(" / ") != std::string_view::npos;
+    for (std::size_t t = 0, n = record.get_track_count(); !various && t < n; ++t) {
+        std::string_view title = record.get_track_field(t, disc_record::ttitle);
+        various = title.find(" / ") != std::string_view::npos;
+    }
     record.set_various_artists(various);
 }

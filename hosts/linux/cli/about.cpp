@@ -34,7 +34,7 @@ std::string class_name(const GUID& g) {
 
 int run_about(const global_options& globals, const arguments& args) {
     if (!args.empty()) throw usage_error{"about takes no arguments"};
-    session s(globals);
+    session s(globals, session::component_source::file);
     hostkit::loaded_component& component = s.component();
     tunehall_client& client = component.client();
 

@@ -12,6 +12,8 @@ namespace tessellon_cli {
 using arguments = std::vector<std::string>;
 
 int run_about(const global_options& globals, const arguments& args);
+int run_discid(const global_options& globals, const arguments& args);
+int run_cddb(const global_options& globals, const arguments& args);
 
 // The text of `tessellon --help`.
 extern const char* const help_text;

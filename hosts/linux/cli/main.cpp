@@ -23,6 +23,8 @@ int dispatch(const invocation& inv) {
         return exit_ok;
     }
     if (command == "about") return run_about(inv.globals, rest);
+    if (command == "discid") return run_discid(inv.globals, rest);
+    if (command == "cddb") return run_cddb(inv.globals, rest);
     throw usage_error{"unknown command '" + command + "' (try tessellon --help)"};
 }
 

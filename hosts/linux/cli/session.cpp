@@ -2,15 +2,23 @@
 
 #include <hostkit/file_util.h>
 
+#include "host/entry.h"
+#include "http/http_filesystem.h"
+
 namespace tessellon_cli {
 
-session::session(const global_options& globals) {
+session::session(const global_options& globals, component_source source) {
     hostkit::host_options options;
     options.profile = hostkit::default_profile(globals.profile);
+    options.progress = &progress_;
     host_ = std::make_unique<hostkit::host>(options);
-    std::filesystem::path component = globals.component.empty() ? default_component_path()
-                                                                : hostkit::utf8_path(globals.component);
-    component_ = &host_->load_component(hostkit::path_utf8(component));
+    host_->services().add_instance(filesystem::class_guid, service_ptr(make_http_filesystem().get()));
+    if (source == component_source::file || !globals.component.empty()) {
+        std::filesystem::path file = globals.component.empty() ? default_component_path() : hostkit::utf8_path(globals.component);
+        component_ = &host_->load_component(hostkit::path_utf8(file));
+    } else {
+        component_ = &host_->attach_component(&tunehall_get_interface, hostkit::path_utf8(default_component_path()));
+    }
 }
 
 session::~session() = default;

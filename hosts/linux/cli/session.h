@@ -1,24 +1,30 @@
 #pragma once
 // One run of the command line as a host: the profile, the host's services (files, HTTP,
-// terminal progress) and the loaded component.
+// terminal progress) and the component.
 
 #include <memory>
 
 #include <hostkit/host.h>
 
 #include "cli/command_line.h"
+#include "terminal_progress.h"
 
 namespace tessellon_cli {
 
 class session {
 public:
-    explicit session(const global_options& globals);
+    // How the component comes in: its code linked into tessellon, attached through its entry
+    // (the commands), or its file loaded with dlopen (`about`, and any --component FILE).
+    enum class component_source { linked, file };
+
+    explicit session(const global_options& globals, component_source source = component_source::linked);
     ~session();
 
     hostkit::host& host() { return *host_; }
     hostkit::loaded_component& component() { return *component_; }
 
 private:
+    linux_host::terminal_progress progress_;
     std::unique_ptr<hostkit::host> host_;
     hostkit::loaded_component* component_ = nullptr;
 };

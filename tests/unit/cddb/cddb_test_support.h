@@ -86,7 +86,11 @@ public:
         abort_source_impl* abort_target = nullptr;
     };
 
-    void push(std::string bytes) { answers_.push_back(answer{std::move(bytes), {}, static_cast<std::size_t>(-1), nullptr}); }
+    void push(std::string bytes) {
+        answer a;
+        a.bytes = std::move(bytes);
+        answers_.push_back(std::move(a));
+    }
     void push(answer a) { answers_.push_back(std::move(a)); }
     const std::vector<std::string>& urls() const { return urls_; }
     // How many opened streams are still held by someone.

@@ -123,7 +123,8 @@ INSTANTIATE_TEST_SUITE_P(
                     email_case{"@mailhost", "+mailhost", true},
                     email_case{"ann@", "ann+", true},
                     email_case{"ann\t@mail\thost", "ann%09+mail%09host", true},  // only a space disqualifies
-                    email_case{"J\xC3\xBCrgen@m\xC3\xBCnchen.example", "J%ffffffc3%ffffffbcrgen+m%ffffffc3%ffffffbcnchen.example", true},
+                    email_case{"J\xC3\xBCrgen@m\xC3\xBCnchen.example",
+                               "J%ffffffc3%ffffffbcrgen+m%ffffffc3%ffffffbcnchen.example", true},
                     email_case{"ann @mailhost", "user+tessellon.invalid", false},
                     email_case{"ann@mail host", "user+tessellon.invalid", false},
                     email_case{" ann@mailhost", "user+tessellon.invalid", false},
@@ -135,7 +136,8 @@ TEST_F(http_connection, port_80_is_left_out) {
     server_.set_port("80");
     http_->push("210 ok\r\n.\r\n");
     connect("ann@mailhost")->lscat(abort_);
-    EXPECT_EQ(http_->urls().at(0), "http://cddb.example/~cddb/cddb.cgi?cmd=cddb+lscat&hello=ann+mailhost+sonatag2+0.9&proto=6");
+    EXPECT_EQ(http_->urls().at(0),
+              "http://cddb.example/~cddb/cddb.cgi?cmd=cddb+lscat&hello=ann+mailhost+sonatag2+0.9&proto=6");
 }
 
 TEST_F(http_connection, opening_copies_the_server_record) {
@@ -179,6 +181,31 @@ failed_exchange fail_kind(const std::function<void()>& action) {
     return {"none", ""};
 }
 
+// A query for one 180 s track: the titles delivered, and how it ended.
+struct query_outcome {
+    std::vector<std::string> titles;
+    failed_exchange failed;
+};
+
+query_outcome run_query(protocol_handler& conn, abort_source& abort) {
+    query_outcome out;
+    auto keep_title = [&](disc_record&& r, bool) { out.titles.emplace_back(r.get_field(disc_record::dtitle)); };
+    out.failed = fail_kind([&] { conn.query(cddb_testing::tracks_of({180.0}), keep_title, abort); });
+    return out;
+}
+
+// A read of rock/1502D003: how it ended, and whether a record came through.
+struct read_outcome {
+    bool delivered = false;
+    failed_exchange failed;
+};
+
+read_outcome run_read(protocol_handler& conn, const char* discid, abort_source& abort) {
+    read_outcome out;
+    out.failed = fail_kind([&] { conn.read("rock", discid, [&](disc_record&&) { out.delivered = true; }, abort); });
+    return out;
+}
+
 TEST_F(http_connection, a_failed_fetch_passes_through_unchanged_and_is_logged) {
     canned_http::answer a;
     a.failure = "Could not resolve host: cddb.example";
@@ -198,7 +225,8 @@ TEST_F(http_connection, answer_failures_are_logged_with_their_own_text) {
         {"409 No handshake\r\n", {"io", "CDDB: No handshake"}},
         {"401 rock 1502D003 No such CD entry in database\r\n", {"not found", "CDDB: Specified entry not found"}},
         {"210 entry follows\r\n", {"data", "Unsupported format or corrupted file"}},
-        {"210 entry follows\r\n# xmcd\r\nDTITLE=Die \xC4rzte\r\n.\r\n", {"data", "Unsupported format or corrupted file"}},
+        {"210 entry follows\r\n# xmcd\r\nDTITLE=Die \xC4rzte\r\n.\r\n",
+         {"data", "Unsupported format or corrupted file"}},
         {"210 entry follows\r\n# xmcd\r\nBOGUS=1\r\n.\r\n", {"data", "CDDB: Unrecognized keyword 'BOGUS=1'"}},
         {"<html>\r\n", {"data", "Malformed status code: <ht"}},
     };
@@ -207,11 +235,10 @@ TEST_F(http_connection, answer_failures_are_logged_with_their_own_text) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes);
         http_->push(c.bytes);
-        bool delivered = false;
-        failed_exchange f = fail_kind([&] { conn->read("rock", "1502D003", [&](disc_record&&) { delivered = true; }, abort_); });
-        EXPECT_EQ(f.kind, c.expected.kind);
-        EXPECT_EQ(f.text, c.expected.text);
-        EXPECT_FALSE(delivered);
+        read_outcome r = run_read(*conn, "1502D003", abort_);
+        EXPECT_EQ(r.failed.kind, c.expected.kind);
+        EXPECT_EQ(r.failed.text, c.expected.text);
+        EXPECT_FALSE(r.delivered);
         EXPECT_EQ(console().size(), ++logged);
         EXPECT_EQ(console().back(), query_failed);
         EXPECT_EQ(http_->open_streams(), 0);
@@ -222,16 +249,16 @@ TEST_F(http_connection, a_latin1_entry_is_refused) {
     http_->push("210 rock 38043805 CD database entry follows (until terminating `.')\r\n" +
                 fixture_bytes("xmcd/entries/38043805.latin1.xmcd") + ".\r\n");
     auto conn = connect("ann@mailhost");
-    bool delivered = false;
-    failed_exchange f = fail_kind([&] { conn->read("rock", "38043805", [&](disc_record&&) { delivered = true; }, abort_); });
-    EXPECT_EQ(f.kind, "data");
-    EXPECT_EQ(f.text, "Unsupported format or corrupted file");
-    EXPECT_FALSE(delivered);
+    read_outcome r = run_read(*conn, "38043805", abort_);
+    EXPECT_EQ(r.failed.kind, "data");
+    EXPECT_EQ(r.failed.text, "Unsupported format or corrupted file");
+    EXPECT_FALSE(r.delivered);
 }
 
 TEST_F(http_connection, a_query_that_cannot_be_built_sends_nothing_and_logs_nothing) {
     auto conn = connect("ann@mailhost");
-    failed_exchange f = fail_kind([&] { conn->query(cddb_testing::tracks_of({180.0, 0.0}), [](disc_record&&, bool) {}, abort_); });
+    auto ignore = [](disc_record&&, bool) {};
+    failed_exchange f = fail_kind([&] { conn->query(cddb_testing::tracks_of({180.0, 0.0}), ignore, abort_); });
     EXPECT_EQ(f.kind, "data");
     EXPECT_EQ(f.text, "CDDB: Could not build query");
     EXPECT_TRUE(http_->urls().empty());
@@ -244,19 +271,17 @@ TEST_F(http_connection, line_length_limit_holds_over_http) {
     auto conn = connect("ann@mailhost");
 
     http_->push("211 inexact\r\n" + longest + "\r\n.\r\n");
-    std::vector<std::string> titles;
-    conn->query(cddb_testing::tracks_of({180.0}), [&](disc_record&& r, bool) { titles.emplace_back(r.get_field(disc_record::dtitle)); }, abort_);
-    ASSERT_EQ(titles.size(), 1u);
-    EXPECT_EQ(titles[0].size(), 16384 - prefix.size());
+    query_outcome passed = run_query(*conn, abort_);
+    EXPECT_EQ(passed.failed.kind, "none");
+    ASSERT_EQ(passed.titles.size(), 1u);
+    EXPECT_EQ(passed.titles[0].size(), 16384 - prefix.size());
+    EXPECT_TRUE(console().empty());
 
     http_->push("211 inexact\r\n" + longest + "t\r\n.\r\n");
-    titles.clear();
-    failed_exchange f = fail_kind([&] {
-        conn->query(cddb_testing::tracks_of({180.0}), [&](disc_record&& r, bool) { titles.emplace_back(r.get_field(disc_record::dtitle)); }, abort_);
-    });
-    EXPECT_EQ(f.kind, "data");
-    EXPECT_EQ(f.text, "Unsupported format or corrupted file");
-    EXPECT_TRUE(titles.empty());
+    query_outcome failed = run_query(*conn, abort_);
+    EXPECT_EQ(failed.failed.kind, "data");
+    EXPECT_EQ(failed.failed.text, "Unsupported format or corrupted file");
+    EXPECT_TRUE(failed.titles.empty());
     EXPECT_EQ(console(), (std::vector<std::string>{query_failed}));
 }
 
@@ -269,12 +294,9 @@ TEST_F(http_connection, an_abort_mid_answer_delivers_nothing_more) {
     a.abort_target = &abort_;
     http_->push(a);
     auto conn = connect("ann@mailhost");
-    std::vector<std::string> got;
-    failed_exchange f = fail_kind([&] {
-        conn->query(cddb_testing::tracks_of({180.0}), [&](disc_record&& r, bool) { got.emplace_back(r.get_field(disc_record::dtitle)); }, abort_);
-    });
-    EXPECT_EQ(f.kind, "aborted");
-    EXPECT_EQ(got, (std::vector<std::string>{"First"}));
+    query_outcome q = run_query(*conn, abort_);
+    EXPECT_EQ(q.failed.kind, "aborted");
+    EXPECT_EQ(q.titles, (std::vector<std::string>{"First"}));
     EXPECT_EQ(console(), (std::vector<std::string>{query_failed}));
     EXPECT_EQ(http_->open_streams(), 0);
 }

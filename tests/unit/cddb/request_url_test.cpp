@@ -24,7 +24,8 @@ TEST(request_url, the_worked_query_on_the_default_server) {
     default_server_record(r);
     EXPECT_EQ(cddb_request_url(r, "cddb query 1502D003 3 150 13650 31665 722", "ann", "mailhost"),
               std::string("http://") + r.get_server() +
-                  "/~cddb/cddb.cgi?cmd=cddb+query+1502D003+3+150+13650+31665+722&hello=ann+mailhost+sonatag2+0.9&proto=6");
+                  "/~cddb/cddb.cgi?cmd=cddb+query+1502D003+3+150+13650+31665+722"
+                  "&hello=ann+mailhost+sonatag2+0.9&proto=6");
 }
 
 struct port_case {
@@ -36,7 +37,8 @@ class request_url_port : public testing::TestWithParam<port_case> {};
 
 TEST_P(request_url_port, shows_unless_exactly_80) {
     EXPECT_EQ(cddb_request_url(server_with_port(GetParam().port), "sites", "u", "h"),
-              std::string("http://") + GetParam().authority + "/~cddb/cddb.cgi?cmd=sites&hello=u+h+sonatag2+0.9&proto=6");
+              std::string("http://") + GetParam().authority +
+                  "/~cddb/cddb.cgi?cmd=sites&hello=u+h+sonatag2+0.9&proto=6");
 }
 
 INSTANTIATE_TEST_SUITE_P(ports, request_url_port,

@@ -121,10 +121,10 @@ TEST(response_handler, an_empty_body_closed_by_the_dot_is_complete) {
     EXPECT_EQ(h.calls, (std::vector<std::string>{"status 210 [list follows]", "end"}));
 }
 
-TEST(response_handler, an_answer_without_any_line_just_ends) {
+TEST(response_handler, an_answer_without_any_line_is_malformed) {
     recording_handler h(true);
-    h.on_finish();
-    EXPECT_EQ(h.calls, (std::vector<std::string>{"end"}));
+    EXPECT_EQ(malformed_text([&] { h.on_finish(); }), "Unsupported format or corrupted file");
+    EXPECT_TRUE(h.calls.empty());  // nothing ends, so no empty entry reaches a receiver
 }
 
 } // namespace

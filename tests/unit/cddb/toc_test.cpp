@@ -46,7 +46,8 @@ TEST(disc_toc, three_tracks_give_the_worked_example) {
 TEST(disc_toc, plain_lengths_give_the_same_as_tracks) {
     std::vector<double> lengths = {180.0, 240.2, 300.5};
     EXPECT_EQ(cddb_query_text(lengths), "cddb query 1502D003 3 150 13650 31665 722");
-    EXPECT_EQ(compute_disc_toc(lengths, "00:01:30").first_offset, compute_disc_toc(tracks_of(lengths, "00:01:30")).first_offset);
+    EXPECT_EQ(compute_disc_toc(lengths, "00:01:30").first_offset,
+              compute_disc_toc(tracks_of(lengths, "00:01:30")).first_offset);
 }
 
 struct rounding_case {

@@ -30,7 +30,8 @@ disc_record parse_lines(const std::vector<std::string>& lines) {
 disc_record read_answer(const std::string& body, const std::string& category = "misc") {
     std::vector<disc_record> got;
     read_handler handler(category, [&](disc_record&& r) { got.push_back(std::move(r)); });
-    cddb_testing::feed_answer(handler, "210 " + category + " 00000000 CD database entry follows (until terminating `.')\r\n" + body);
+    std::string status = "210 " + category + " 00000000 CD database entry follows (until terminating `.')\r\n";
+    cddb_testing::feed_answer(handler, status + body);
     if (got.size() != 1) throw std::runtime_error("expected one record, got " + std::to_string(got.size()));
     return std::move(got.front());
 }
@@ -110,8 +111,10 @@ INSTANTIATE_TEST_SUITE_P(
         entry_text_case{"12025d03.xmcd", various_of, "single"},
         entry_text_case{"12025d03.xmcd", revision_of, "0"},
         // Continuations split mid-word join without a separator.
-        entry_text_case{"6f0c6509.xmcd", title0_of, "Sonata No. 14 in C-sharp Minor, Op. 27, No. 2 Moonlight - I. Adagio sostenuto"},
-        entry_text_case{"6f0c6509.xmcd", title3_of, "Sonata No. 8 in C Minor, Op. 13 Pathetique - I. Grove; Allegro molto e con brio"},
+        entry_text_case{"6f0c6509.xmcd", title0_of,
+                        "Sonata No. 14 in C-sharp Minor, Op. 27, No. 2 Moonlight - I. Adagio sostenuto"},
+        entry_text_case{"6f0c6509.xmcd", title3_of,
+                        "Sonata No. 8 in C Minor, Op. 13 Pathetique - I. Grove; Allegro molto e con brio"},
         entry_text_case{"6f0c6509.xmcd", title6_of, "Sonata No. 23 in F Minor, Op. 57 Appassionata - I. Allegro assai"},
         entry_text_case{"6f0c6509.xmcd", revision_of, "2"},
         entry_text_case{"6f0c6509.xmcd", submitted_of, "ExactAudioCopy v0.95a1"},
@@ -130,7 +133,8 @@ INSTANTIATE_TEST_SUITE_P(
         entry_text_case{"fd0b9912.xmcd", various_of, "single"},
         entry_text_case{"af10420e.xmcd", extd_of,
                         "Recorded Live In Germany\nVocals & Guitar - Heather Nova\nLead Guitar - Berit Fridahl\n"
-                        "Cello & Keyboards - Nadia Lanman\nBass & Backing Vocals - Bastian Juel\nDrums - Laurie Jenkins"},
+                        "Cello & Keyboards - Nadia Lanman\nBass & Backing Vocals - Bastian Juel\n"
+                        "Drums - Laurie Jenkins"},
         entry_text_case{"af10420e.xmcd", dgenre_of, ""},
         entry_text_case{"af10420e.xmcd", submitted_of, "gmmusic 1.0"},
         entry_text_case{"a10b600c.crlf.xmcd", revision_of, "16"},
@@ -307,7 +311,8 @@ TEST(xmcd_odd_entries, a_generated_entry_with_an_escape_and_a_mid_word_split) {
     EXPECT_EQ(r.get_disc_length(), 1788u);
     ASSERT_EQ(r.get_track_count(), 6u);
     EXPECT_EQ(r.get_track_offset(5), 106350u);
-    EXPECT_EQ(std::string(r.get_track_field(3, disc_record::extt)), "This popular track is performed better than ever.");
+    EXPECT_EQ(std::string(r.get_track_field(3, disc_record::extt)),
+              "This popular track is performed better than ever.");
     EXPECT_FALSE(r.get_various_artists());
 }
 
@@ -333,7 +338,8 @@ TEST(xmcd_odd_entries, offsets_below_the_lead_in_and_more_offsets_than_titles) {
 
 // --- Rules one by one -----------------------------------------------------------------------
 
-const std::vector<std::string> header = {"# xmcd", "#", "# Track frame offsets:", "#\t150", "#", "# Disc length: 100 seconds"};
+const std::vector<std::string> header = {"# xmcd", "#", "# Track frame offsets:", "#\t150",
+                                         "#",      "# Disc length: 100 seconds"};
 
 std::vector<std::string> with_header(std::vector<std::string> lines) {
     lines.insert(lines.begin(), header.begin(), header.end());
@@ -352,7 +358,8 @@ TEST(xmcd_parser, a_track_title_beyond_the_count_grows_the_tracks) {
 }
 
 TEST(xmcd_parser, repeated_keywords_concatenate_without_a_separator) {
-    disc_record r = parse_lines(with_header({"DTITLE=Artist / Al", "DTITLE=bum", "TTITLE0=Sun", "EXTT0=x", "TTITLE0=day", "EXTT0=y"}));
+    disc_record r = parse_lines(
+        with_header({"DTITLE=Artist / Al", "DTITLE=bum", "TTITLE0=Sun", "EXTT0=x", "TTITLE0=day", "EXTT0=y"}));
     EXPECT_EQ(dtitle_of(r), "Artist / Album");
     EXPECT_EQ(title0_of(r), "Sunday");
     EXPECT_STREQ(r.get_track_field(0, disc_record::extt), "xy");
@@ -406,8 +413,8 @@ TEST(xmcd_parser, playorder_and_empty_lines_change_nothing) {
 }
 
 TEST(xmcd_parser, header_comments_match_without_regard_to_case) {
-    disc_record r = parse_lines({"# xmcd", "# TRACK FRAME OFFSETS:", "#  150", "#\t \t9000", "# disc LENGTH:\t 2917 seconds",
-                                 "#revision:5", "#   submitted VIA:  \tripper 2.0"});
+    disc_record r = parse_lines({"# xmcd", "# TRACK FRAME OFFSETS:", "#  150", "#\t \t9000",
+                                 "# disc LENGTH:\t 2917 seconds", "#revision:5", "#   submitted VIA:  \tripper 2.0"});
     ASSERT_EQ(r.get_track_count(), 2u);
     EXPECT_EQ(r.get_track_offset(1), 9000u);
     EXPECT_EQ(r.get_disc_length(), 2917u);
@@ -416,7 +423,8 @@ TEST(xmcd_parser, header_comments_match_without_regard_to_case) {
 }
 
 TEST(xmcd_parser, blank_comment_lines_do_not_end_the_offset_list) {
-    disc_record r = parse_lines({"# xmcd", "# Track frame offsets:", "# 150", "#", "#   ", "# 300", "# Revision: 2", "# 450"});
+    disc_record r =
+        parse_lines({"# xmcd", "# Track frame offsets:", "# 150", "#", "#   ", "# 300", "# Revision: 2", "# 450"});
     ASSERT_EQ(r.get_track_count(), 2u);
     EXPECT_EQ(r.get_track_offset(1), 300u);
     EXPECT_EQ(r.get_revision(), 2u);

@@ -1,0 +1,161 @@
+// `tessellon discid` and `tessellon cddb query|read|sites`: the CDDB client's own operations,
+// one at a time, for checking a disc or a server by hand.
+
+#include <cstdio>
+
+#include "cddb/protocol_handler.h"
+#include "cddb/toc.h"
+#include "cli/arguments.h"
+#include "cli/commands.h"
+#include "cli/record_output.h"
+#include "cli/session.h"
+#include "cli/track_input.h"
+#include "config/settings.h"
+
+namespace tessellon_cli {
+
+namespace {
+
+// "http://HOST[:PORT]/PATH" as a server record.
+server_record server_from_url(const std::string& url) {
+    const std::string scheme = "http://";
+    if (url.compare(0, scheme.size(), scheme) != 0) throw usage_error{"--server: expected http://HOST[:PORT]/PATH, got " + url};
+    std::string rest = url.substr(scheme.size());
+    std::size_t slash = rest.find('/');
+    std::string authority = rest.substr(0, slash);
+    std::string path = slash == std::string::npos ? "/~cddb/cddb.cgi" : rest.substr(slash);
+    std::string host = authority, port = "80";
+    if (auto colon = authority.rfind(':'); colon != std::string::npos) {
+        host = authority.substr(0, colon);
+        port = authority.substr(colon + 1);
+    }
+    if (host.empty()) throw usage_error{"--server: no host name in " + url};
+    server_record r;
+    r.set_server(host.c_str());
+    r.set_protocol("http");
+    r.set_port(port.c_str());
+    r.set_address(path.c_str());
+    r.set_description(url.c_str());
+    return r;
+}
+
+server_record chosen_server(const option_reader& options) {
+    if (auto url = options.value("--server")) return server_from_url(*url);
+    server_list servers = load_server_list();
+    if (servers.empty()) throw usage_error{"no server configured: add one with 'tessellon servers add' or give --server URL"};
+    return servers.front();
+}
+
+void print(const std::string& text) { std::fputs(text.c_str(), stdout); }
+
+int query(session&, const option_reader& options) {
+    track_list tracks = read_tracks(options);
+    server_record server = chosen_server(options);
+    abort_source_dummy abort;
+    struct match {
+        disc_record record;
+        bool exact;
+    };
+    std::vector<match> matches;
+    open_protocol_handler(server)->query(
+        tracks, [&](disc_record&& r, bool exact) { matches.push_back({std::move(r), exact}); }, abort);
+    if (options.flag("--json")) {
+        json_writer json;
+        json.begin_object().key("matches").begin_array();
+        for (auto& m : matches) {
+            json.begin_object().key("exact").value(m.exact);
+            json.key("category").value(m.record.get_field(disc_record::category));
+            json.key("discid").value(m.record.get_field(disc_record::discid));
+            json.key("dtitle").value(m.record.get_field(disc_record::dtitle));
+            json.end_object();
+        }
+        json.end_array().end_object();
+        print(json.text() + "\n");
+    } else {
+        for (auto& m : matches)
+            print(std::string(m.exact ? "exact    " : "inexact  ") + m.record.get_field(disc_record::category) + " " +
+                  m.record.get_field(disc_record::discid) + "  " + m.record.get_field(disc_record::dtitle) + "\n");
+    }
+    if (matches.empty()) {
+        std::fprintf(stderr, "tessellon: no match on %s\n", server.get_server());
+        return exit_nothing;
+    }
+    return exit_ok;
+}
+
+int read(session&, const option_reader& options) {
+    if (options.positional().size() != 2) throw usage_error{"usage: tessellon cddb read CATEGORY DISCID [--server URL]"};
+    server_record server = chosen_server(options);
+    abort_source_dummy abort;
+    std::optional<disc_record> record;
+    open_protocol_handler(server)->read(options.positional()[0], options.positional()[1],
+                                        [&](disc_record&& r) { record = std::move(r); }, abort);
+    if (!record) throw tunehall_io::exception_io_data("No entry in the answer of " + std::string(server.get_server()));
+    if (options.flag("--json")) {
+        json_writer json;
+        json.begin_object().key("record");
+        write_record_json(json, *record);
+        json.end_object();
+        print(json.text() + "\n");
+    } else {
+        print(record_text(*record));
+    }
+    return exit_ok;
+}
+
+int sites(session&, const option_reader& options) {
+    if (!options.positional().empty()) throw usage_error{"usage: tessellon cddb sites [--server URL]"};
+    server_record server = chosen_server(options);
+    abort_source_dummy abort;
+    server_list found;
+    open_protocol_handler(server)->sites([&](server_record&& s) { found.push_back(std::move(s)); }, abort);
+    if (options.flag("--json")) {
+        json_writer json;
+        json.begin_object().key("sites").begin_array();
+        for (auto& s : found) write_server_json(json, s);
+        json.end_array().end_object();
+        print(json.text() + "\n");
+    } else {
+        for (auto& s : found) print(std::string(s.get_protocol()) + "  " + server_text(s) + "\n");
+    }
+    return found.empty() ? exit_nothing : exit_ok;
+}
+
+} // namespace
+
+int run_discid(const global_options& globals, const arguments& args) {
+    option_reader options(args, {"--json"}, {"--lengths"});
+    session s(globals);
+    track_list tracks = read_tracks(options);
+    disc_toc toc = compute_disc_toc(tracks);
+    std::string id = format_disc_id(toc.disc_id);
+    std::string query_text = cddb_query_text(tracks);
+    if (options.flag("--json")) {
+        json_writer json;
+        json.begin_object().key("cddb").begin_object();
+        json.key("disc_id").value(id).key("query").value(query_text);
+        json.key("track_count").value(static_cast<std::int64_t>(toc.track_count));
+        json.key("offsets").begin_array();
+        for (auto o : toc.offsets) json.value(static_cast<std::int64_t>(o));
+        json.end_array();
+        json.key("disc_seconds").value(static_cast<std::int64_t>(toc.disc_seconds));
+        json.end_object().end_object();
+        print(json.text() + "\n");
+    } else {
+        print("CDDB disc id: " + id + "\n" + query_text + "\n");
+    }
+    return exit_ok;
+}
+
+int run_cddb(const global_options& globals, const arguments& args) {
+    if (args.empty()) throw usage_error{"usage: tessellon cddb query|read|sites ..."};
+    arguments rest(args.begin() + 1, args.end());
+    option_reader options(rest, {"--json"}, {"--server", "--lengths"});
+    session s(globals);
+    if (args[0] == "query") return query(s, options);
+    if (args[0] == "read") return read(s, options);
+    if (args[0] == "sites") return sites(s, options);
+    throw usage_error{"unknown cddb command '" + args[0] + "' (query, read or sites)"};
+}
+
+} // namespace tessellon_cli
