@@ -34,6 +34,7 @@ CONTENT_TYPE = "text/plain; charset=UTF-8"
 FAULTS = """\
 faults (comma-separated; "none" clears):
   cddb-status:N   answer every command with the CDDB status N (402, 403, 409, 500, ...)
+  read-status:N   answer only "cddb read" commands with the CDDB status N (queries still work)
   http-status:N   answer with HTTP status N (400..599) instead of a CDDB answer
   slow:SECONDS    wait before each line of the answer (headers go out at once)
   cut             declare the full length, then close the connection in the middle of a line
@@ -218,13 +219,13 @@ def parse_faults(text):
         name, _, arg = item.partition(":")
         if name == "none" and not arg:
             continue
-        if name in ("cddb-status", "http-status", "long-line"):
+        if name in ("cddb-status", "read-status", "http-status", "long-line"):
             if name == "long-line" and not arg:
                 arg = "16385"
             if not arg.isdigit():
                 raise ValueError("{} needs a number".format(name))
             value = int(arg)
-            if name == "cddb-status" and not 100 <= value <= 999:
+            if name in ("cddb-status", "read-status") and not 100 <= value <= 999:
                 raise ValueError("cddb-status must have three digits")
             if name == "http-status" and not 400 <= value <= 599:
                 raise ValueError("http-status must be between 400 and 599")
@@ -260,9 +261,11 @@ class fault_switch:
             return dict(self._faults)
 
 
-def apply_line_faults(lines, faults):
-    if "cddb-status" in faults:
-        code = faults["cddb-status"]
+def apply_line_faults(lines, faults, command):
+    code = faults.get("cddb-status")
+    if code is None and command.startswith("cddb read"):
+        code = faults.get("read-status")
+    if code is not None:
         lines = [str(code).encode() + b" " + STATUS_TEXTS.get(code, b"Forced status.")]
     if "no-terminator" in faults and len(lines) > 1 and lines[-1] == b".":
         lines = lines[:-1]
@@ -348,9 +351,10 @@ class request_handler(http.server.BaseHTTPRequestHandler):
         if "http-status" in faults:
             code = faults["http-status"]
             return self.send_text(code, [str(code).encode() + b" forced by the test server"])
-        lines = cddb_answer(parse_cgi_query(query), self.server.db, self.server.sites,
-                            options.tolerance)
-        self.send_lines(apply_line_faults(lines, faults), faults)
+        params = parse_cgi_query(query)
+        lines = cddb_answer(params, self.server.db, self.server.sites, options.tolerance)
+        command = b" ".join(params.get("cmd", b"").split()).lower().decode("latin-1")
+        self.send_lines(apply_line_faults(lines, faults, command), faults)
 
     def control(self, query):
         params = urllib.parse.parse_qs(query, keep_blank_values=True)
