@@ -14,6 +14,9 @@ using arguments = std::vector<std::string>;
 int run_about(const global_options& globals, const arguments& args);
 int run_discid(const global_options& globals, const arguments& args);
 int run_cddb(const global_options& globals, const arguments& args);
+int run_lookup_command(const global_options& globals, const arguments& args);
+int run_servers(const global_options& globals, const arguments& args);
+int run_config(const global_options& globals, const arguments& args);
 
 // The text of `tessellon --help`.
 extern const char* const help_text;

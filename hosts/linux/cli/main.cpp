@@ -25,6 +25,9 @@ int dispatch(const invocation& inv) {
     if (command == "about") return run_about(inv.globals, rest);
     if (command == "discid") return run_discid(inv.globals, rest);
     if (command == "cddb") return run_cddb(inv.globals, rest);
+    if (command == "lookup") return run_lookup_command(inv.globals, rest);
+    if (command == "servers") return run_servers(inv.globals, rest);
+    if (command == "config") return run_config(inv.globals, rest);
     throw usage_error{"unknown command '" + command + "' (try tessellon --help)"};
 }
 

@@ -93,8 +93,6 @@ struct lookup_fixture : ::testing::Test {
     }
 };
 
-std::string tests_db() { return std::string(TESSELLON_SOURCE_DIR) + "/tests/servers/cddb_db"; }
-
 } // namespace
 
 TEST_F(lookup_fixture, the_command_is_offered_under_tagging_with_its_description) {
@@ -195,6 +193,15 @@ TEST_F(lookup_fixture, nothing_found_lists_every_file_in_the_message) {
     EXPECT_EQ(popups[0].message,
               "No information found on server for files:\n\"/music/12025d03/1.flac\"\n\"/music/12025d03/2.flac\"\n"
               "\"/music/12025d03/3.flac\"");
+}
+
+TEST_F(lookup_fixture, with_only_the_placeholder_server_the_message_says_how_to_set_one_up) {
+    // Nothing stored: the built-in placeholder server is the whole list.
+    run_command(fixture_disc("12025d03"));
+    auto popups = host.popups();
+    ASSERT_EQ(popups.size(), 1u);
+    EXPECT_EQ(popups[0].message.rfind("No information found on server for files:\n\"/music/12025d03/1.flac\"", 0), 0u);
+    EXPECT_NE(popups[0].message.find("Add one on the \"discora Tagger\" preferences page"), std::string::npos);
 }
 
 namespace {

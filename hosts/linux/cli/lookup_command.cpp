@@ -1,0 +1,103 @@
+// `tessellon lookup`: runs "Get tags from discora" on the album, as the player's context menu
+// would, and prints what every server found, grouped by server as the tagger dialog lists it.
+
+#include <cstdio>
+
+#include <tunehall/menu_command.h>
+
+#include "cddb/lookup_task.h"
+#include "cddb/xmcd_parser.h"
+#include "cli/arguments.h"
+#include "cli/commands.h"
+#include "cli/interrupt.h"
+#include "cli/lookup_result.h"
+#include "cli/record_output.h"
+#include "cli/session.h"
+#include "cli/track_input.h"
+#include "config/settings.h"
+
+namespace tessellon_cli {
+
+namespace {
+
+// Keeps what the lookup hands to the tagger dialog.
+class result_catcher : public tagger_dialog_factory {
+public:
+    explicit result_catcher(service_ref<lookup_state>& out) : out_(out) {}
+    void open(HWND, service_ref<lookup_state> state) override { out_ = state; }
+
+private:
+    service_ref<lookup_state>& out_;
+};
+
+} // namespace
+
+std::string match_label(const disc_record& record) {
+    artist_and_album parts = split_dtitle(record.get_field(disc_record::dtitle));
+    return std::string(parts.artist) + " / " + std::string(parts.album) + " (" + record.get_field(disc_record::category) + ")";
+}
+
+lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result) {
+    s.host().services().add_instance(tagger_dialog_factory::class_guid, make_service<result_catcher>(result));
+    std::size_t popups_before = s.host().popups().popups().size();
+    {
+        interrupt_scope ctrl_c(s.host().tasks());
+        bool ran = false;
+        for (auto& c : all_services<menu_command>())
+            for (std::size_t i = 0; i < c->command_count() && !ran; ++i)
+                if (std::string(c->command_name(i)) == "Get tags from discora") {
+                    c->command_execute(i, tracks, nullptr);
+                    ran = true;
+                }
+        if (!ran) throw tunehall_io::exception_io("The component offers no \"Get tags from discora\" command");
+    }
+    if (result) return lookup_outcome::found;
+    if (s.host().popups().popups().size() > popups_before) return lookup_outcome::nothing_found;
+    return lookup_outcome::aborted;
+}
+
+int run_lookup_command(const global_options& globals, const arguments& args) {
+    option_reader options(args, {"--json"}, {"--lengths"});
+    session s(globals);
+    track_list tracks = read_tracks(options);
+    service_ref<lookup_state> result;
+    lookup_outcome outcome = run_lookup(s, tracks, result);
+    if (outcome == lookup_outcome::aborted) return exit_nothing;
+
+    if (options.flag("--json")) {
+        json_writer json;
+        json.begin_object().key("tracks").begin_array();
+        for (auto& t : tracks) json.value(t->path());
+        json.end_array().key("servers").begin_array();
+        int number = 0;
+        if (result) {
+            for (auto& server : result->results) {
+                json.begin_object().key("description").value(server.label).key("matches").begin_array();
+                for (auto& r : server.records) {
+                    json.begin_object().key("number").value(static_cast<std::int64_t>(++number));
+                    json.key("label").value(match_label(r)).key("record");
+                    write_record_json(json, r);
+                    json.end_object();
+                }
+                json.end_array().end_object();
+            }
+        } else {
+            for (auto& server : load_server_list()) {
+                json.begin_object().key("description").value(server.get_description());
+                json.key("matches").begin_array().end_array().end_object();
+            }
+        }
+        json.end_array().end_object();
+        std::printf("%s\n", json.text().c_str());
+    } else if (result) {
+        int number = 0;
+        for (auto& server : result->results) {
+            std::printf("%s\n", server.label.c_str());
+            if (server.records.empty()) std::printf("     No matches found\n");
+            for (auto& r : server.records) std::printf("  %2d %s\n", ++number, match_label(r).c_str());
+        }
+    }
+    return outcome == lookup_outcome::found ? exit_ok : exit_nothing;
+}
+
+} // namespace tessellon_cli

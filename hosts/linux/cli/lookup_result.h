@@ -1,0 +1,20 @@
+#pragma once
+// Running the component's lookup from the command line, shared by `lookup` and `tag`.
+
+#include <string>
+
+#include "cddb/lookup_state.h"
+#include "cli/session.h"
+
+namespace tessellon_cli {
+
+enum class lookup_outcome { found, nothing_found, aborted };
+
+// Runs "Get tags from discora" on `tracks` (Ctrl-C aborts it); `result` receives what the
+// lookup hands to the tagger dialog.
+lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result);
+
+// A match as the tagger dialog lists it: "Artist / Album (category)".
+std::string match_label(const disc_record& record);
+
+} // namespace tessellon_cli

@@ -1,0 +1,146 @@
+// The `tessellon` program as a user runs it: its output, its JSON, its exit statuses, Ctrl-C.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <thread>
+
+#include "support/local_server.h"
+#include "support/run_program.h"
+#include "support/temp_folder.h"
+
+using testing_support::local_server;
+using testing_support::program_result;
+
+namespace {
+
+// Lengths of the fixture disc 12025d03 (3 tracks, offsets 150 12143 31682, 607 s).
+const char* const disc_12025d03 = "159.9067,260.5200,184.5733";
+
+struct cli : ::testing::Test {
+    testing_support::temp_folder profile{"tessellon-cli"};
+    program_result run(std::vector<std::string> args, const std::function<void(pid_t)>& while_running = {}) {
+        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
+        return testing_support::run_program(args, {}, while_running);
+    }
+    void add_server(const local_server& s, const std::string& description) {
+        auto r = run({"servers", "add", "127.0.0.1", std::to_string(s.port()), "/~cddb/cddb.cgi", description});
+        ASSERT_EQ(r.exit_code, 0) << r.err;
+    }
+    static std::string server_option(const local_server& s) { return "--server=" + s.base_url() + "/~cddb/cddb.cgi"; }
+};
+
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+} // namespace
+
+TEST_F(cli, version_help_and_bad_usage) {
+    auto v = run({"--version"});
+    EXPECT_EQ(v.exit_code, 0);
+    EXPECT_EQ(v.out, "Tessellon 0.9\n");
+    auto h = run({"--help"});
+    EXPECT_EQ(h.exit_code, 0);
+    for (const char* command : {"discid", "cddb query", "cddb read", "cddb sites", "lookup", "servers", "config email", "about"})
+        EXPECT_TRUE(contains(h.out, command)) << command;
+    auto bad = run({"frobnicate"});
+    EXPECT_EQ(bad.exit_code, 2);
+    EXPECT_TRUE(contains(bad.err, "unknown command 'frobnicate'"));
+    auto bad_option = run({"discid", "--lengths"});
+    EXPECT_EQ(bad_option.exit_code, 2);
+    EXPECT_TRUE(contains(bad_option.err, "--lengths needs a value"));
+}
+
+TEST_F(cli, about_loads_the_component_file_and_lists_its_services) {
+    auto r = run({"about"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "Tessellon 0.9\n"));
+    EXPECT_TRUE(contains(r.out, "sonatag2.so\n"));
+    EXPECT_TRUE(contains(r.out, "interface version: 81\n"));
+    EXPECT_TRUE(contains(r.out, "installation check: ok\n"));
+    for (const char* service : {"component_version", "installation_check", "menu_command", "tagging_source"})
+        EXPECT_TRUE(contains(r.out, std::string("  ") + service + "\n")) << service;
+}
+
+TEST_F(cli, discid_of_lengths_gives_the_id_and_the_query_text) {
+    auto r = run({"discid", "--lengths", "180.0,240.2,300.5"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(r.out, "CDDB disc id: 1502D003\ncddb query 1502D003 3 150 13650 31665 722\n");
+    auto j = run({"discid", "--lengths", "180.0,240.2,300.5", "--json"});
+    EXPECT_EQ(j.out, "{\"cddb\":{\"disc_id\":\"1502D003\",\"query\":\"cddb query 1502D003 3 150 13650 31665 722\","
+                     "\"track_count\":3,\"offsets\":[150,13650,31665],\"disc_seconds\":722}}\n");
+    auto zero = run({"discid", "--lengths", "180,0,12"});
+    EXPECT_EQ(zero.exit_code, 2);
+    EXPECT_TRUE(contains(zero.err, "CDDB: Could not build query"));
+}
+
+TEST_F(cli, cddb_commands_talk_to_the_given_server) {
+    local_server server("tests/servers/cddb_server.py", {"--sites", "tests/servers/cddb_db/sites.txt"});
+    auto q = run({"cddb", "query", "--lengths", disc_12025d03, server_option(server), "--json"});
+    ASSERT_EQ(q.exit_code, 0) << q.err;
+    EXPECT_EQ(q.out, "{\"matches\":[{\"exact\":true,\"category\":\"country\",\"discid\":\"12025d03\","
+                     "\"dtitle\":\"Ernest Ray Everett - Single CD\"}]}\n");
+
+    auto rd = run({"cddb", "read", "misc", "d50dd30f", server_option(server), "--json"});
+    ASSERT_EQ(rd.exit_code, 0) << rd.err;
+    EXPECT_TRUE(contains(rd.out, "\"dtitle\":\"Various / Ska Island\""));
+    EXPECT_TRUE(contains(rd.out, "\"various_artists\":true"));
+    EXPECT_TRUE(contains(rd.out, "\"tracks\":[{\"offset\":150,"));
+
+    auto missing = run({"cddb", "read", "misc", "00000000", server_option(server)});
+    EXPECT_EQ(missing.exit_code, 2);
+    EXPECT_TRUE(contains(missing.err, "CDDB: Specified entry not found"));
+
+    auto sites = run({"cddb", "sites", server_option(server)});
+    ASSERT_EQ(sites.exit_code, 0) << sites.err;
+    EXPECT_TRUE(contains(sites.out, "http  a.cddb.tessellon.invalid:80  /~cddb/cddb.cgi"));
+    EXPECT_EQ(std::count(sites.out.begin(), sites.out.end(), '\n'), 5);
+}
+
+TEST_F(cli, servers_and_email_persist_in_the_profile) {
+    auto list = run({"servers", "list"});
+    EXPECT_EQ(list.out, "1  cddb.tessellon.invalid:80  /~cddb/cddb.cgi  discora server\n");
+    ASSERT_EQ(run({"servers", "add", "--server", "cddb.example.invalid", "--description", "Mine"}).exit_code, 0);
+    auto json = run({"servers", "list", "--json"});
+    EXPECT_TRUE(contains(json.out, "{\"number\":2,\"server\":\"cddb.example.invalid\",\"protocol\":\"http\",\"port\":\"80\","
+                                   "\"address\":\"/~cddb/cddb.cgi\",\"description\":\"Mine\"}"));
+    EXPECT_EQ(run({"config", "email"}).out, "user@tessellon.invalid\n");
+    EXPECT_EQ(run({"config", "email", "ann@mailhost.invalid"}).out, "ann@mailhost.invalid\n");
+    EXPECT_EQ(run({"config", "email"}).out, "ann@mailhost.invalid\n");
+}
+
+TEST_F(cli, lookup_groups_matches_by_server_and_survives_a_dead_first_server) {
+    local_server dead("tests/servers/cddb_server.py", {"--fault", "http-status:500"});
+    local_server good("tests/servers/cddb_server.py");
+    add_server(dead, "Dead mirror");
+    add_server(good, "Local mirror");
+    auto r = run({"lookup", "--lengths", disc_12025d03});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "Local mirror\n   1 Ernest Ray Everett - Single CD / Ernest Ray Everett - Single CD (country)\n"))
+        << r.out;
+    EXPECT_TRUE(contains(r.out, "Dead mirror\n     No matches found\n"));
+    auto j = run({"lookup", "--lengths", disc_12025d03, "--json"});
+    EXPECT_TRUE(contains(j.out, "{\"description\":\"Local mirror\",\"matches\":[{\"number\":1,\"label\":"
+                                "\"Ernest Ray Everett - Single CD / Ernest Ray Everett - Single CD (country)\",\"record\":{"));
+}
+
+TEST_F(cli, lookup_that_finds_nothing_says_so_and_exits_1) {
+    local_server good("tests/servers/cddb_server.py");
+    add_server(good, "Local mirror");
+    auto r = run({"lookup", "--lengths", "10,20,30", "--json"});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_TRUE(contains(r.err, "No information found on server for files:\n\"track 1\"\n\"track 2\"\n\"track 3\""));
+    EXPECT_TRUE(contains(r.out, "{\"description\":\"Local mirror\",\"matches\":[]}"));
+}
+
+TEST_F(cli, ctrl_c_during_a_slow_server_ends_with_status_1_and_no_results) {
+    local_server slow("tests/servers/cddb_server.py", {"--fault", "slow:1"});
+    add_server(slow, "Slow mirror");
+    auto r = run({"lookup", "--lengths", disc_12025d03}, [&](pid_t child) {
+        // Press Ctrl-C once the lookup is talking to the server.
+        for (int i = 0; i < 500 && slow.requests().empty(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        kill(child, SIGINT);
+    });
+    EXPECT_EQ(r.exit_code, 1) << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_FALSE(contains(r.err, "No information found"));
+}
