@@ -1,6 +1,7 @@
 #include "config_store_file.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "file_util.h"
 
@@ -20,37 +21,35 @@ void put_u64(std::string& out, std::uint64_t v) {
     for (int i = 0; i < 8; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
 }
 
+// Reads the file's parts as views into the data: nothing is copied until a value is kept.
 class reader {
 public:
-    explicit reader(const std::string& d) : d_(d) {}
-    bool bytes(std::size_t n, std::string& out) {
+    explicit reader(std::string_view d) : d_(d) {}
+    bool bytes(std::size_t n, std::string_view& out) {
         if (d_.size() - pos_ < n) return false;
-        out.assign(d_, pos_, n);
+        out = d_.substr(pos_, n);
         pos_ += n;
         return true;
     }
-    bool u32(std::uint32_t& v) {
-        std::string b;
-        if (!bytes(4, b)) return false;
+    template <typename T>
+    bool little_endian(T& v) {
+        std::string_view b;
+        if (!bytes(sizeof(T), b)) return false;
         v = 0;
-        for (int i = 3; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(b[static_cast<std::size_t>(i)]);
-        return true;
-    }
-    bool u64(std::uint64_t& v) {
-        std::string b;
-        if (!bytes(8, b)) return false;
-        v = 0;
-        for (int i = 7; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(b[static_cast<std::size_t>(i)]);
+        for (std::size_t i = sizeof(T); i-- > 0;) v = static_cast<T>((v << 8) | static_cast<unsigned char>(b[i]));
         return true;
     }
     bool text(std::string& out) {
         std::uint32_t n;
-        return u32(n) && bytes(n, out);
+        std::string_view b;
+        if (!little_endian(n) || !bytes(n, b)) return false;
+        out.assign(b.data(), b.size());
+        return true;
     }
     bool at_end() const { return pos_ == d_.size(); }
 
 private:
-    const std::string& d_;
+    std::string_view d_;
     std::size_t pos_ = 0;
 };
 
@@ -87,17 +86,18 @@ std::string config_store_file::encode(const map& values) {
 bool config_store_file::decode(const std::string& data, map& out) {
     out.clear();
     reader r(data);
-    std::string head;
+    std::string_view head;
     std::uint32_t count;
-    if (!r.bytes(sizeof magic, head) || std::memcmp(head.data(), magic, sizeof magic) != 0 || !r.u32(count))
+    if (!r.bytes(sizeof magic, head) || head != std::string_view(magic, sizeof magic) || !r.little_endian(count))
         return false;
     for (std::uint32_t i = 0; i < count; ++i) {
-        std::string kind, key;
+        std::string_view kind;
+        std::string key;
         if (!r.bytes(1, kind) || !r.text(key)) return false;
         value v{static_cast<value::kind>(kind[0]), 0, {}};
         if (v.type == value::kind::integer) {
             std::uint64_t n;
-            if (!r.u64(n)) return false;
+            if (!r.little_endian(n)) return false;
             v.number = static_cast<std::int64_t>(n);
         } else if (v.type == value::kind::text || v.type == value::kind::blob) {
             if (!r.text(v.bytes)) return false;
@@ -106,8 +106,8 @@ bool config_store_file::decode(const std::string& data, map& out) {
         }
         out[key] = std::move(v);
     }
-    std::string tail;
-    return r.bytes(sizeof end_mark, tail) && std::memcmp(tail.data(), end_mark, sizeof end_mark) == 0 && r.at_end();
+    std::string_view tail;
+    return r.bytes(sizeof end_mark, tail) && tail == std::string_view(end_mark, sizeof end_mark) && r.at_end();
 }
 
 config_store_file::config_store_file(std::filesystem::path file) : file_(std::move(file)) {

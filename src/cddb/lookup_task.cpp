@@ -77,8 +77,14 @@ std::string no_information_message(const track_list& tracks) {
             text += "[invalid location]";
             continue;
         }
-        text += "\"" + std::string(t->path()) + "\"";
-        if (t->subsong() != 0) text += " / index: " + std::to_string(t->subsong());
+        // Appended piece by piece: GCC 12 warns falsely (-Wrestrict) on "\"" + text + "\"".
+        text += '"';
+        text += t->path();
+        text += '"';
+        if (t->subsong() != 0) {
+            text += " / index: ";
+            text += std::to_string(t->subsong());
+        }
     }
     return text;
 }

@@ -1,0 +1,73 @@
+// WinHTTP as the Windows host's filesystem::g_open for http URLs, against the project's local
+// CDDB server (scripts/test starts it and names its port in TESSELLON_CDDB_PORT).
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+
+#include "winhttp_filesystem.h"
+
+namespace {
+
+std::string server_url(const std::string& query) {
+    const char* port = std::getenv("TESSELLON_CDDB_PORT");
+    return std::string("http://127.0.0.1:") + (port ? port : "0") + "/~cddb/cddb.cgi?" + query;
+}
+
+struct winhttp : ::testing::Test {
+    service_ref<filesystem> fs = make_winhttp_filesystem();
+    void SetUp() override {
+        if (!std::getenv("TESSELLON_CDDB_PORT")) GTEST_SKIP() << "TESSELLON_CDDB_PORT not set (scripts/test sets it)";
+    }
+};
+
+std::string read_byte_by_byte(file& f, abort_source& abort) {
+    std::string out;
+    char c;
+    while (f.read(&c, 1, abort) == 1) out += c;
+    return out;
+}
+
+} // namespace
+
+TEST_F(winhttp, reads_an_answer_byte_by_byte) {
+    abort_source_dummy abort;
+    file_ptr f = fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
+                          filesystem::open_mode::read, abort);
+    std::string body = read_byte_by_byte(*f, abort);
+    EXPECT_EQ(body.rfind("210 misc d50dd30f", 0), 0u) << body.substr(0, 80);
+    EXPECT_NE(body.find("DTITLE=Various / Ska Island\r\n"), std::string::npos);
+    EXPECT_EQ(body.substr(body.size() - 3), ".\r\n");
+}
+
+TEST_F(winhttp, an_unknown_path_is_not_found_and_names_the_url) {
+    abort_source_dummy abort;
+    std::string url = server_url("x").replace(server_url("x").find("cddb.cgi"), 8, "nothing.cgi");
+    try {
+        fs->open(url.c_str(), filesystem::open_mode::read, abort);
+        FAIL() << "no exception";
+    } catch (const tunehall_io::exception_io_not_found& e) {
+        EXPECT_NE(std::string(e.what()).find(url), std::string::npos) << e.what();
+    }
+}
+
+TEST_F(winhttp, a_refused_connection_is_an_io_error) {
+    abort_source_dummy abort;
+    EXPECT_THROW(fs->open("http://127.0.0.1:1/", filesystem::open_mode::read, abort), tunehall_io::exception_io);
+}
+
+TEST_F(winhttp, an_abort_before_opening_sends_nothing) {
+    abort_source_impl abort;
+    abort.abort();
+    EXPECT_THROW(fs->open(server_url("cmd=sites&hello=a+b+c+d&proto=6").c_str(), filesystem::open_mode::read, abort),
+                 tunehall_io::exception_aborted);
+}
+
+TEST_F(winhttp, writing_to_a_url_is_refused) {
+    abort_source_dummy abort;
+    EXPECT_THROW(fs->open(server_url("x").c_str(), filesystem::open_mode::write_new, abort), tunehall_io::exception_io_denied);
+    EXPECT_TRUE(fs->is_our_path("https://example.invalid/"));
+    EXPECT_FALSE(fs->is_our_path("C:\\music\\a.flac"));
+}
