@@ -22,12 +22,13 @@ tag_record read_vorbis_comment(const TagLib::Ogg::XiphComment& comment) {
         const std::string name = key.to8Bit(true);
         const std::string_view host = host_name_of_vorbis_key(name);
         const std::string field = host.empty() ? lower_ascii(name) : std::string(host);
-        // A file carrying both a field and its alias (TRACKTOTAL and TOTALTRACKS) usually
-        // repeats the value; keep it once so that a rewrite does not double it.
-        const bool alias = !host.empty() && find_host_field(host)->vorbis != upper_ascii(name);
+        // Keys are unique, so a field already present was read under another key: a file
+        // carrying a field and its alias (TRACKTOTAL and TOTALTRACKS) usually repeats the
+        // value, which is kept once so that a rewrite does not double it.
+        const bool from_alias = tags.find_field(field.c_str()) != tag_record::npos;
         for (const TagLib::String& value : values) {
             const std::string text = value.to8Bit(true);
-            if (alias && has_value(tags, field, text)) continue;
+            if (from_alias && has_value(tags, field, text)) continue;
             tags.add_tag_value(field.c_str(), text);
         }
     }

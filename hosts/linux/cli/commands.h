@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <tunehall/tag_record.h>
+
 #include "cli/command_line.h"
 
 namespace tessellon_cli {
@@ -17,6 +19,13 @@ int run_cddb(const global_options& globals, const arguments& args);
 int run_lookup_command(const global_options& globals, const arguments& args);
 int run_servers(const global_options& globals, const arguments& args);
 int run_config(const global_options& globals, const arguments& args);
+int run_show(const global_options& globals, const arguments& args);
+int run_tag(const global_options& globals, const arguments& args);
+
+// A track's fields as JSON ([[name, [values...]], ...]) and as "  name=value" lines.
+class json_writer;
+void write_fields_json(json_writer& json, const tag_record& tags);
+std::string fields_text(const tag_record& tags);
 
 // The text of `tessellon --help`.
 extern const char* const help_text;

@@ -80,6 +80,14 @@ json_writer& json_writer::value(std::int64_t number) {
 
 json_writer& json_writer::value(std::optional<std::int64_t> number) { return number ? value(*number) : null(); }
 
+json_writer& json_writer::value(double number) {
+    separate();
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%.6f", number);
+    out_ += buf;
+    return *this;
+}
+
 json_writer& json_writer::value(bool flag) {
     separate();
     out_ += flag ? "true" : "false";

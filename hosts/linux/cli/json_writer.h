@@ -22,6 +22,7 @@ public:
     json_writer& value(std::int64_t number);
     json_writer& value(std::optional<std::int64_t> number);
     json_writer& value(bool flag);
+    json_writer& value(double number);
     json_writer& null();
     // A list of texts.
     json_writer& strings(const std::vector<std::string>& texts);

@@ -37,8 +37,8 @@ std::string match_label(const disc_record& record) {
     return std::string(parts.artist) + " / " + std::string(parts.album) + " (" + record.get_field(disc_record::category) + ")";
 }
 
-lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result) {
-    s.host().services().add_instance(tagger_dialog_factory::class_guid, make_service<result_catcher>(result));
+lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result, bool catch_result) {
+    if (catch_result) s.host().services().add_instance(tagger_dialog_factory::class_guid, make_service<result_catcher>(result));
     std::size_t popups_before = s.host().popups().popups().size();
     {
         interrupt_scope ctrl_c(s.host().tasks());
@@ -51,9 +51,11 @@ lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<look
                 }
         if (!ran) throw tunehall_io::exception_io("The component offers no \"Get tags from discora\" command");
     }
-    if (result) return lookup_outcome::found;
+    // An aborted lookup shows nothing; one that found nothing says so; otherwise the result went
+    // to the tagger dialog.
+    if (interrupt_scope::interrupted()) return lookup_outcome::aborted;
     if (s.host().popups().popups().size() > popups_before) return lookup_outcome::nothing_found;
-    return lookup_outcome::aborted;
+    return lookup_outcome::found;
 }
 
 int run_lookup_command(const global_options& globals, const arguments& args) {

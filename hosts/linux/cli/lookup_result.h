@@ -10,9 +10,10 @@ namespace tessellon_cli {
 
 enum class lookup_outcome { found, nothing_found, aborted };
 
-// Runs "Get tags from discora" on `tracks` (Ctrl-C aborts it); `result` receives what the
-// lookup hands to the tagger dialog.
-lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result);
+// Runs "Get tags from discora" on `tracks` (Ctrl-C aborts it). With `catch_result`, `result`
+// receives what the lookup hands to the tagger dialog instead of the dialog; otherwise the
+// component's own tagger dialog opens.
+lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result, bool catch_result = true);
 
 // A match as the tagger dialog lists it: "Artist / Album (category)".
 std::string match_label(const disc_record& record);

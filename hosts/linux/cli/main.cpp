@@ -28,6 +28,8 @@ int dispatch(const invocation& inv) {
     if (command == "lookup") return run_lookup_command(inv.globals, rest);
     if (command == "servers") return run_servers(inv.globals, rest);
     if (command == "config") return run_config(inv.globals, rest);
+    if (command == "show") return run_show(inv.globals, rest);
+    if (command == "tag") return run_tag(inv.globals, rest);
     throw usage_error{"unknown command '" + command + "' (try tessellon --help)"};
 }
 

@@ -7,6 +7,7 @@
 #include <hostkit/host.h>
 
 #include "cli/command_line.h"
+#include "file_tag_io.h"
 #include "terminal_progress.h"
 
 namespace tessellon_cli {
@@ -25,6 +26,7 @@ public:
 
 private:
     linux_host::terminal_progress progress_;
+    linux_host::file_tag_io tag_files_;
     std::unique_ptr<hostkit::host> host_;
     hostkit::loaded_component* component_ = nullptr;
 };

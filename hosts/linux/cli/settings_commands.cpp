@@ -1,6 +1,7 @@
 // `tessellon config email` and `tessellon servers`: the settings the lookups use.
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "cli/arguments.h"
 #include "cli/commands.h"
@@ -56,6 +57,21 @@ int add_server(const option_reader& options) {
     return exit_ok;
 }
 
+// `servers remove N`, N as `servers list` numbers the rows.
+int remove_server(const option_reader& options) {
+    server_list servers = load_server_list();
+    const auto& pos = options.positional();
+    char* end = nullptr;
+    unsigned long n = pos.size() == 1 ? std::strtoul(pos[0].c_str(), &end, 10) : 0;
+    if (pos.size() != 1 || *end != '\0' || n == 0 || n > servers.size())
+        throw usage_error{"usage: tessellon servers remove N (N from 1 to " + std::to_string(servers.size()) + ")"};
+    server_record removed = servers[n - 1];
+    servers.erase(servers.begin() + static_cast<long>(n - 1));
+    save_server_list(servers);
+    std::printf("removed %s\n", server_text(removed).c_str());
+    return exit_ok;
+}
+
 } // namespace
 
 int run_servers(const global_options& globals, const arguments& args) {
@@ -65,7 +81,8 @@ int run_servers(const global_options& globals, const arguments& args) {
     session s(globals);
     if (sub == "list") return list_servers(options);
     if (sub == "add") return add_server(options);
-    throw usage_error{"unknown servers command '" + sub + "' (list or add)"};
+    if (sub == "remove") return remove_server(options);
+    throw usage_error{"unknown servers command '" + sub + "' (list, add or remove)"};
 }
 
 int run_config(const global_options& globals, const arguments& args) {

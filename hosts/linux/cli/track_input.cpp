@@ -2,6 +2,8 @@
 
 #include <hostkit/plain_track.h>
 
+#include "audio/track_arguments.h"
+
 namespace tessellon_cli {
 
 track_list read_tracks(const option_reader& options) {
@@ -14,7 +16,9 @@ track_list read_tracks(const option_reader& options) {
         return tracks;
     }
     if (options.positional().empty()) throw usage_error{"name the album's files or folder (or --lengths L1,L2,...)"};
-    throw usage_error{"reading audio files is not available in this build; use --lengths"};
+    track_list tracks = tracks_from_arguments(options.positional());
+    if (tracks.empty()) throw usage_error{"no audio files (.flac .mp3 .ogg .opus .wav .m4a) in the given folders"};
+    return tracks;
 }
 
 } // namespace tessellon_cli

@@ -1,0 +1,23 @@
+#pragma once
+// Real audio files (FLAC, MP3, Ogg Vorbis, Opus, WAV, M4A) through TagLib: how long a track
+// plays, its technical fields, its tags, and writing its tags. Paths are UTF-8.
+
+#include <string>
+
+#include <tunehall/track.h>
+
+// Whether `path` names a file of a type read here, judged by its extension.
+bool is_audio_file_name(const std::string& path);
+
+// The file's info record: `length` in seconds (sample-exact for FLAC and WAV, to the
+// millisecond for the others), technical fields ("codec", "samplerate", "channels",
+// "bitrate" in kbit/s, "bitspersample" where the format has it) and its tags under the host's
+// field names. A missing file raises exception_io_not_found, a file that cannot be read
+// exception_io_data; both texts name the file.
+track_info read_audio_file(const std::string& path);
+
+// Replaces the file's tags by exactly `tags`: a field absent from `tags` is removed from the
+// file ("year" is never written). Pictures and other non-text data stay. A missing file
+// raises exception_io_not_found, a read-only one exception_io_denied, before anything is
+// changed; every text names the file.
+void write_tags(const std::string& path, const tag_record& tags);

@@ -1,0 +1,11 @@
+#include "file_tag_io.h"
+
+#include "audio/audio_file.h"
+
+namespace linux_host {
+
+tag_record file_tag_io::read_tags(const track_ref& track) { return read_audio_file(track->path()).tags; }
+
+void file_tag_io::write_tags(const track_ref& track, const tag_record& tags) { ::write_tags(track->path(), tags); }
+
+} // namespace linux_host

@@ -1,0 +1,14 @@
+#pragma once
+// The tags of real audio files, for the host's tag update: read and written with TagLib.
+
+#include <hostkit/tag_update_engine.h>
+
+namespace linux_host {
+
+class file_tag_io final : public hostkit::tag_io {
+public:
+    tag_record read_tags(const track_ref& track) override;
+    void write_tags(const track_ref& track, const tag_record& tags) override;
+};
+
+} // namespace linux_host

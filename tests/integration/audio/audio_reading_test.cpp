@@ -1,0 +1,159 @@
+// Reading real audio files made by the system's encoders: how long they play, their technical
+// fields, and the errors that name a file the host cannot read.
+
+#include <cmath>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <tunehall/exceptions.h>
+
+#include "audio/audio_file.h"
+#include "support/audio_files.h"
+#include "support/temp_folder.h"
+
+using testing_support::audio_format;
+
+namespace {
+
+// The bounds of (length read - true length) for each format, from what the files state.
+struct length_case {
+    audio_format format;
+    double below;  // how far the length may fall short
+    double above;  // how far it may run over
+};
+
+// FLAC and WAV state their number of samples: exact. Ogg and M4A state it too, but TagLib 1.13
+// gives their length in milliseconds: half a millisecond either way. Opus likewise, and
+// opusenc keeps the source's length through its resampling to 48 kHz. MP3 as sox writes it
+// carries no gapless header, so the frames hold the encoder's delay (576 samples), the last
+// frame's padding and one flushing frame besides the audio: up to 576 + 2 x 1152 samples more,
+// never less. Measured: +31 to +48 ms for 1 s to 180 s.
+const length_case length_cases[] = {
+    {audio_format::flac, 0.0, 0.0},
+    {audio_format::wav, 0.0, 0.0},
+    {audio_format::ogg, 0.0005, 0.0005},
+    {audio_format::opus, 0.0005, 0.0005},
+    {audio_format::m4a, 0.0005, 0.0005},
+    {audio_format::mp3, 0.0, (576 + 2 * 1152) / 44100.0},
+};
+
+} // namespace
+
+TEST(audio_file, length_is_what_the_file_plays_exact_where_it_states_its_samples) {
+    testing_support::temp_folder folder;
+    // Three minutes, and a length that is no whole number of milliseconds.
+    for (std::uint64_t frames : {std::uint64_t{180 * 44100}, std::uint64_t{1234567}}) {
+        const double seconds = static_cast<double>(frames) / 44100.0;
+        for (const length_case& c : length_cases) {
+            SCOPED_TRACE(testing_support::name_of(c.format) + ", " + std::to_string(frames) + " samples");
+            const auto path = folder / ("track" + std::to_string(frames) + testing_support::extension_of(c.format));
+            testing_support::make_audio_file(path, frames, c.format);
+
+            const double length = read_audio_file(path.string()).length;
+            if (c.below == 0.0 && c.above == 0.0) {
+                EXPECT_EQ(length, seconds);
+            } else {
+                EXPECT_GE(length, seconds - c.below - 1e-9);
+                EXPECT_LE(length, seconds + c.above + 1e-9);
+            }
+        }
+    }
+}
+
+TEST(audio_file, technical_fields_describe_the_stream) {
+    struct expected_info {
+        audio_format format;
+        std::string codec, samplerate;
+        const char* bits;  // null where the format has no sample size
+    };
+    const expected_info cases[] = {
+        {audio_format::flac, "FLAC", "44100", "16"}, {audio_format::wav, "PCM", "44100", "16"},
+        {audio_format::mp3, "MP3", "44100", nullptr}, {audio_format::ogg, "Vorbis", "44100", nullptr},
+        // Opus always decodes at 48 kHz.
+        {audio_format::opus, "Opus", "48000", nullptr}, {audio_format::m4a, "ALAC", "44100", "16"},
+    };
+    testing_support::temp_folder folder;
+    for (const expected_info& c : cases) {
+        SCOPED_TRACE(testing_support::name_of(c.format));
+        const auto path = folder / ("tone" + testing_support::extension_of(c.format));
+        testing_support::make_audio_file(path, 44100, c.format);
+
+        const track_info info = read_audio_file(path.string());
+        ASSERT_NE(info.info_get("codec"), nullptr);
+        EXPECT_STREQ(info.info_get("codec"), c.codec.c_str());
+        ASSERT_NE(info.info_get("samplerate"), nullptr);
+        EXPECT_STREQ(info.info_get("samplerate"), c.samplerate.c_str());
+        ASSERT_NE(info.info_get("channels"), nullptr);
+        EXPECT_STREQ(info.info_get("channels"), "1");
+        ASSERT_NE(info.info_get("bitrate"), nullptr);
+        EXPECT_GT(std::stoi(info.info_get("bitrate")), 0);
+        if (c.bits) {
+            ASSERT_NE(info.info_get("bitspersample"), nullptr);
+            EXPECT_STREQ(info.info_get("bitspersample"), c.bits);
+        } else {
+            EXPECT_EQ(info.info_get("bitspersample"), nullptr);
+        }
+    }
+}
+
+TEST(audio_file, untagged_files_have_no_fields_but_encoder_notes_are_kept) {
+    testing_support::temp_folder folder;
+    for (audio_format format : {audio_format::flac, audio_format::mp3, audio_format::ogg, audio_format::wav, audio_format::m4a}) {
+        const auto path = folder / ("plain" + testing_support::extension_of(format));
+        testing_support::make_audio_file(path, 4410, format);
+        EXPECT_EQ(read_audio_file(path.string()).tags.field_count(), 0u) << testing_support::name_of(format);
+    }
+    // opusenc names itself in an ENCODER field: a field outside the table, kept lower-cased.
+    const auto opus = folder / "plain.opus";
+    testing_support::make_audio_file(opus, 4410, audio_format::opus);
+    const tag_record tags = read_audio_file(opus.string()).tags;
+    ASSERT_EQ(tags.field_count(), 1u);
+    EXPECT_EQ(tags.field_name(0), "encoder");
+    EXPECT_NE(std::string(tags.value(0, 0)).find("opusenc"), std::string::npos);
+}
+
+TEST(audio_file, ogg_extension_holding_opus_is_read_as_opus) {
+    testing_support::temp_folder folder;
+    testing_support::make_audio_file(folder / "made.opus", 48000, audio_format::opus);
+    std::filesystem::rename(folder / "made.opus", folder / "renamed.ogg");
+    const track_info info = read_audio_file((folder / "renamed.ogg").string());
+    EXPECT_STREQ(info.info_get("codec"), "Opus");
+    EXPECT_NEAR(info.length, 48000 / 44100.0, 0.0005);
+}
+
+TEST(audio_file, file_that_cannot_be_read_raises_an_error_naming_it) {
+    testing_support::temp_folder folder;
+    testing_support::write_file(folder / "text.flac", "not audio at all, just some words in a file\n");
+    testing_support::write_file(folder / "text.mp3", std::string(5000, 'x'));
+    testing_support::write_file(folder / "text.wav", "RIFF....WAVEjunk");
+    testing_support::write_file(folder / "text.m4a", std::string(100, '\0'));
+    testing_support::write_file(folder / "empty.ogg", "");
+    testing_support::write_file(folder / "notes.txt", "a file of a type the host does not read");
+    std::filesystem::create_directory(folder / "folder.flac");
+    // A real FLAC file cut short inside its header.
+    testing_support::make_audio_file(folder / "whole.flac", 44100, audio_format::flac);
+    testing_support::write_file(folder / "cut.flac", testing_support::read_file(folder / "whole.flac").substr(0, 20));
+
+    for (const char* name : {"text.flac", "text.mp3", "text.wav", "text.m4a", "empty.ogg", "notes.txt", "folder.flac", "cut.flac"}) {
+        const std::string path = (folder / name).string();
+        try {
+            read_audio_file(path);
+            ADD_FAILURE() << name << " was read";
+        } catch (const tunehall_io::exception_io_data& e) {
+            EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
+        }
+    }
+}
+
+TEST(audio_file, missing_file_raises_not_found_naming_it) {
+    testing_support::temp_folder folder;
+    const std::string path = (folder / "gone.flac").string();
+    try {
+        read_audio_file(path);
+        FAIL() << "a missing file was read";
+    } catch (const tunehall_io::exception_io_not_found& e) {
+        EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
+    }
+}
