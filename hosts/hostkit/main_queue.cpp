@@ -7,6 +7,7 @@ class queue_service : public main_thread_queue {
 public:
     explicit queue_service(main_queue& q) : queue_(q) {}
     void post(std::function<void()> work) override { queue_.post(std::move(work)); }
+    void run_until(const std::function<bool()>& done) override { queue_.run_until(done); }
 
 private:
     main_queue& queue_;

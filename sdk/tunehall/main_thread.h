@@ -10,4 +10,7 @@ class main_thread_queue : public service_base {
 public:
     // Queues `work` to run on the main thread, in posting order.
     virtual void post(std::function<void()> work) = 0;
+    // A modal loop (main thread): runs queued work until `done()` holds. A dialog that must be
+    // answered before its caller goes on waits here, as a window system's modal loop would.
+    virtual void run_until(const std::function<bool()>& done) = 0;
 };
