@@ -29,11 +29,13 @@ host::host(const host_options& options) : profile_(options.profile), registry_(q
     console_ = make_service<console_log>(profile_ / log_file_name, options.console_to_stderr);
     popups_ = make_service<popup_recorder>(options.popups_to_stderr);
     tasks_ = make_service<threaded_process_worker>(queue_, options.progress);
+    windows_ = make_service<window_list>();
 
     registry_.add_instance(host_config_store::class_guid, service_ptr(config_.get()));
     registry_.add_instance(console_receiver::class_guid, service_ptr(console_.get()));
     registry_.add_instance(popup_message_v3::class_guid, service_ptr(popups_.get()));
     registry_.add_instance(threaded_process::class_guid, service_ptr(tasks_.get()));
+    if (options.window_list) registry_.add_instance(modeless_window_manager::class_guid, service_ptr(windows_.get()));
     registry_.add_instance(main_thread_queue::class_guid, service_ptr(queue_.service().get()));
     registry_.add_instance(core_version::class_guid, service_ptr(make_service<version_info>().get()));
     registry_.add_instance(filesystem::class_guid, service_ptr(make_service<local_filesystem>().get()));

@@ -15,6 +15,7 @@
 #include "popups.h"
 #include "registry.h"
 #include "threaded_process_worker.h"
+#include "window_list.h"
 
 namespace hostkit {
 
@@ -23,6 +24,7 @@ struct host_options {
     bool console_to_stderr = true;
     bool popups_to_stderr = true;
     progress_display* progress = nullptr;   // null: tasks run without a display
+    bool window_list = true;                 // register windows() as the modeless-window service
 };
 
 class host {
@@ -38,6 +40,7 @@ public:
     config_store_file& config() { return *config_; }
     console_log& console() { return *console_; }
     popup_recorder& popups() { return *popups_; }
+    window_list& windows() { return *windows_; }
     const std::filesystem::path& profile() const { return profile_; }
 
     // Loads a component file and registers its services.
@@ -57,6 +60,7 @@ private:
     service_ref<console_log> console_;
     service_ref<popup_recorder> popups_;
     service_ref<threaded_process_worker> tasks_;
+    service_ref<window_list> windows_;
     std::vector<std::unique_ptr<loaded_component>> components_;
 };
 

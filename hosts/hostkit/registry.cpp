@@ -20,8 +20,11 @@ void registry::add_factory(service_factory& factory) {
     services_[factory.class_guid()].push_back(entry{&factory, {}});
 }
 
+// The host's own services come before every component's, whenever they were registered.
 void registry::add_instance(const GUID& cls, service_ptr instance) {
-    services_[cls].push_back(entry{nullptr, std::move(instance)});
+    auto& list = services_[cls];
+    auto first_component = std::find_if(list.begin(), list.end(), [](const entry& e) { return e.factory != nullptr; });
+    list.insert(first_component, entry{nullptr, std::move(instance)});
 }
 
 void registry::add_list(service_factory* head) {

@@ -42,8 +42,9 @@ void read_answer_lines(stream_reader& in, response_handler& handler, abort_sourc
     auto deliver = [&] {
         if (line.empty()) return;
         // Servers answer in UTF-8 at this protocol level; anything else would turn into
-        // mojibake in the user's tags.
-        if (!is_valid_utf8(line)) throw tunehall_io::exception_io_data();
+        // mojibake in the user's tags. A NUL never belongs in a text answer: every field ends at
+        // one, so a line carrying it would pass its checks here and arrive cut short.
+        if (!is_valid_utf8(line) || line.find('\0') != std::string::npos) throw tunehall_io::exception_io_data();
         handler.on_line(line);
         line.clear();
     };

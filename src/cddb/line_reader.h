@@ -15,7 +15,8 @@ inline constexpr std::size_t max_answer_line = 16384;
 
 // Reads `in` to its end one byte at a time, checking `abort` before each byte, hands every
 // non-empty line to `handler` and then calls its on_finish. Raises tunehall_io::exception_io_data
-// (default text) for a line longer than max_answer_line or one that is not UTF-8.
+// (default text) for a line longer than max_answer_line, one that is not UTF-8, or one that
+// carries a NUL byte.
 void read_answer_lines(stream_reader& in, response_handler& handler, abort_source& abort);
 
 // Well-formed UTF-8: no stray continuation bytes, no over-long forms, no surrogates, nothing

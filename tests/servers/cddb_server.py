@@ -448,7 +448,10 @@ def main(argv):
     if options.stop_with_stdin:
         # A test that dies without stopping its server must not leave it behind.
         def watch_stdin():
-            sys.stdin.buffer.read()
+            # The raw descriptor, not sys.stdin: a daemon thread blocked in a buffered read
+            # makes the interpreter's shutdown fail on the buffer's lock.
+            while os.read(0, 4096):
+                pass
             os.kill(os.getpid(), signal.SIGTERM)
         threading.Thread(target=watch_stdin, daemon=True).start()
     print("PORT {}".format(server.server_address[1]), flush=True)

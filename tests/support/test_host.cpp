@@ -10,6 +10,7 @@ test_host::test_host(const test_host_options& options) : profile_("tessellon-pro
     h.profile = profile_.path();
     h.console_to_stderr = false;
     h.popups_to_stderr = false;
+    h.window_list = false;  // tests that open dialogs register a window list of their own
     host_ = std::make_unique<hostkit::host>(h);
     if (options.attach_component) {
         std::string name = options.component_file_name.empty() ? sonatag2::built_in_file_name : options.component_file_name;

@@ -29,15 +29,6 @@ enum : int {
     various_check = 1021, track_list_id = 1024, wipe_check = 1017, update_button = 1022, close_button = 2,
 };
 
-// The host's list of modeless windows: here, where the command line finds the dialog.
-class window_list : public modeless_window_manager {
-public:
-    void add(HWND window, const char*) override { open.push_back(window); }
-    void remove(HWND window) override { std::erase(open, window); }
-    HWND main_window() override { return nullptr; }
-    std::vector<HWND> open;
-};
-
 // For --dry-run: takes the update, shows what would be written, writes nothing, and reports
 // the update as not done so the dialog stays open.
 class dry_run_update : public tag_update {
@@ -117,8 +108,7 @@ int run_tag(const global_options& globals, const arguments& args) {
     if (options.flag("--wipe") && options.flag("--keep")) throw usage_error{"--wipe and --keep exclude each other"};
     if (options.flag("--various") && options.flag("--not-various")) throw usage_error{"--various and --not-various exclude each other"};
     session s(globals);
-    auto windows = make_service<window_list>();
-    s.host().services().add_instance(modeless_window_manager::class_guid, windows);
+    hostkit::window_list& windows = s.host().windows();
     auto dry_run = make_service<dry_run_update>();
     if (options.flag("--dry-run")) s.host().services().add_instance(tag_update::class_guid, dry_run);
 
@@ -127,8 +117,8 @@ int run_tag(const global_options& globals, const arguments& args) {
     // The tagger dialog opens by itself when the lookup found something.
     lookup_outcome outcome = run_lookup(s, tracks, unused, /*catch_result=*/false);
     if (outcome != lookup_outcome::found) return exit_nothing;
-    if (windows->open.empty()) throw tunehall_io::exception_io("The tagger dialog did not open");
-    headless_view* view = headless_view::from_handle(windows->open.back());
+    if (windows.open().empty()) throw tunehall_io::exception_io("The tagger dialog did not open");
+    headless_view* view = headless_view::from_handle(windows.open().back().handle);
     if (!view) throw tunehall_io::exception_io("The tagger dialog is not one the command line can drive");
     HWND dialog = view->handle();
 
@@ -169,11 +159,11 @@ int run_tag(const global_options& globals, const arguments& args) {
         // The update runs in the background; the dialog closes when it succeeded and is enabled
         // again when it did not.
         s.host().queue().run_until([&] {
-            return std::find(windows->open.begin(), windows->open.end(), dialog) == windows->open.end() ||
+            return !windows.is_open(dialog) ||
                    (view->window_enabled() && s.host().tasks().running() == 0);
         });
     }
-    bool closed = std::find(windows->open.begin(), windows->open.end(), dialog) == windows->open.end();
+    bool closed = !windows.is_open(dialog);
     if (!closed) {
         for (std::size_t i = messages_before; i < view->messages().size(); ++i)
             std::fprintf(stderr, "%s: %s\n", view->messages()[i].caption.c_str(), view->messages()[i].text.c_str());

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include <hostkit/plain_track.h>
@@ -14,6 +12,7 @@
 #include "cddb/lookup_task.h"
 #include "config/settings.h"
 #include "http/http_filesystem.h"
+#include "support/audio_files.h"
 #include "support/local_server.h"
 #include "support/test_host.h"
 
@@ -22,30 +21,13 @@ using testing_support::test_host;
 
 namespace {
 
-// Track lengths that lay out the fixture disc `discid` (first track at frame 150).
+// Tracks without files whose lengths lay out the fixture disc `discid`.
 track_list fixture_disc(const std::string& discid) {
-    std::ifstream tsv(testing_support::fixture("xmcd/cddb-discid-tocs.tsv"));
-    std::string line;
-    while (std::getline(tsv, line)) {
-        std::istringstream row(line);
-        std::string id, count, offsets_text, seconds;
-        std::getline(row, id, '\t');
-        std::getline(row, count, '\t');
-        std::getline(row, offsets_text, '\t');
-        std::getline(row, seconds, '\t');
-        if (id != discid) continue;
-        std::vector<double> offsets;
-        std::istringstream o(offsets_text);
-        for (double v; o >> v;) offsets.push_back(v);
-        offsets.push_back(std::stod(seconds) * 75.0);
-        track_list tracks;
-        for (std::size_t i = 0; i + 1 < offsets.size(); ++i)
-            tracks.push_back(hostkit::make_plain_track("/music/" + discid + "/" + std::to_string(i + 1) + ".flac",
-                                                       (offsets[i + 1] - offsets[i]) / 75.0));
-        return tracks;
-    }
-    ADD_FAILURE() << "no fixture disc " << discid;
-    return {};
+    track_list tracks;
+    int n = 0;
+    for (double seconds : testing_support::fixture_disc_lengths(discid))
+        tracks.push_back(hostkit::make_plain_track("/music/" + discid + "/" + std::to_string(++n) + ".flac", seconds));
+    return tracks;
 }
 
 server_record server_at(const local_server& s, const std::string& description) {

@@ -1,0 +1,36 @@
+#pragma once
+// The benchmark suites. Each registers pairs named "<group>/<case>/ours" and
+// "<group>/<case>/libcddb", which the peer-ratio reporter sets side by side.
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <cddb/cddb.h>
+
+// Disc ids for 12 and 99 tracks.
+void register_disc_id_benchmarks();
+
+// Every xmcd entry of a folder, read from its file: by our parser and by libcddb from its local
+// cache. The suite owns the scratch cache folder, so it must outlive the run.
+class xmcd_parse_suite {
+public:
+    explicit xmcd_parse_suite(const std::filesystem::path& entries);
+    ~xmcd_parse_suite();
+    xmcd_parse_suite(const xmcd_parse_suite&) = delete;
+    xmcd_parse_suite& operator=(const xmcd_parse_suite&) = delete;
+
+    void register_benchmarks();
+
+    struct entry {
+        std::string name;              // the file name up to its first dot: the disc id
+        std::filesystem::path file;
+        std::uint32_t disc_id;
+    };
+
+private:
+    std::vector<entry> entries_;
+    std::filesystem::path cache_dir_;
+    cddb_conn_t* connection_ = nullptr;
+};

@@ -1,0 +1,156 @@
+#pragma once
+// Driving the preferences page as the host and the user do: the page is found among the
+// component's services by its GUID and instantiated; the user types, clicks and selects on its
+// window, and answers the server editor once it waits for input. Shared by the unit tests and
+// the retrieval tests against the local CDDB server.
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <tunehall/config_store.h>
+#include <tunehall/core.h>
+#include <tunehall/main_thread.h>
+#include <tunehall/preferences_page.h>
+#include <tunehall/shared.h>
+
+#include "config/preferences_page_guid.h"
+#include "config/settings.h"
+#include "ui/headless/headless_view.h"
+
+// Failure messages show a record's fields rather than its bytes.
+inline void PrintTo(const server_record& r, std::ostream* os) {
+    *os << '{' << r.get_server() << ' ' << r.get_protocol() << ' ' << r.get_port() << ' ' << r.get_address() << " \""
+        << r.get_description() << "\"}";
+}
+
+namespace preferences_testing {
+
+// The controls by the ids of the templates (spelled out here rather than taken from the
+// component, so that a wrong id there shows up).
+enum page_control : int {
+    email = 1001,
+    servers = 1002,
+    add_button = 1025,
+    edit_button = 1026,
+    remove_button = 1028,
+    retrieve_button = 1030,
+};
+enum editor_control : int {
+    ok = 1,
+    cancel = 2,
+    protocol_field = 1029,
+    server_field = 1026,
+    port_field = 1027,
+    address_field = 1028,
+    description_field = 1030,
+};
+constexpr std::uint32_t unchanged_state = 0x10008, changed_state = 0x10009;
+
+inline server_record make_server(const char* server, const char* protocol, const char* port, const char* address,
+                                 const char* description) {
+    server_record r;
+    r.set_server(server);
+    r.set_protocol(protocol);
+    r.set_port(port);
+    r.set_address(address);
+    r.set_description(description);
+    return r;
+}
+
+inline server_record builtin_server() {
+    server_record r;
+    default_server_record(r);
+    return r;
+}
+
+// The server list blob in the host's store now, or std::nullopt when there is none.
+inline std::optional<std::string> stored_server_blob() {
+    service_ref<memory_block> blob = host_service<host_config_store>()->get_blob("discora.servers");
+    if (!blob) return std::nullopt;
+    return std::string(static_cast<const char*>(blob->data()), blob->size());
+}
+
+// The component's page, as the host's preferences window finds it.
+inline service_ref<preferences_page> find_page() {
+    for (auto& page : all_services<preferences_page>())
+        if (tunehall::guid_equal(page->get_guid(), preferences_page_guid)) return page;
+    throw std::logic_error("the component registers no page under its GUID");
+}
+
+// The host's side of an open page: how often the page said its state changed.
+class state_counter : public preferences_page_callback {
+public:
+    void on_state_changed() override { ++calls; }
+    int calls = 0;
+};
+
+// One open page, held as the host's preferences window holds it.
+class open_page {
+public:
+    explicit open_page(HWND parent = nullptr)
+        : callback_(make_service<state_counter>()), instance_(find_page()->instantiate(parent, callback_)) {
+        if (!instance_) throw std::logic_error("the page created no instance");
+        view_ = headless_view::from_handle(instance_->get_wnd());
+        if (!view_) throw std::logic_error("the page has no live window");
+    }
+
+    headless_view& view() { return *view_; }
+    preferences_page_instance& instance() { return *instance_; }
+    std::uint32_t state() { return instance_->get_state(); }
+    int state_changes() const { return callback_->calls; }
+    // The host closes its preferences window without applying.
+    void close() { instance_.reset(); }
+
+    // The rows the list shows: server and description of each.
+    std::vector<std::pair<std::string, std::string>> rows() const {
+        std::vector<std::pair<std::string, std::string>> out;
+        for (std::size_t r = 0, n = view_->list_row_count(servers); r < n; ++r)
+            out.emplace_back(view_->list_get_cell(servers, r, 0), view_->list_get_cell(servers, r, 1));
+        return out;
+    }
+
+private:
+    service_ref<state_counter> callback_;
+    service_ref<preferences_page_instance> instance_;
+    headless_view* view_ = nullptr;
+};
+
+// The server editor open now, found the way the host finds the open modal dialog.
+inline headless_view* open_editor() { return headless_view::from_handle(ModalDialog_Current()); }
+
+// Queues what the user does in the next server editor: `act` runs on it once it waits for input
+// (the editor's modal loop serves the host's main-thread queue). `act` must end the editor.
+inline void when_editor_opens(std::function<void(headless_view&)> act) {
+    host_service<main_thread_queue>()->post([act = std::move(act)] {
+        if (headless_view* editor = open_editor())
+            act(*editor);
+        else
+            ADD_FAILURE() << "no server editor was open";
+    });
+}
+
+// Queues a check that no editor opens: one that does is cancelled (so the test cannot hang) and
+// noted in `opened`.
+inline void expect_no_editor(bool& opened) {
+    host_service<main_thread_queue>()->post([&opened] {
+        if (headless_view* editor = open_editor()) {
+            opened = true;
+            editor->click(cancel);
+        }
+    });
+}
+
+// Runs what is still queued for the main thread (answers no editor took).
+inline void run_queued() {
+    host_service<main_thread_queue>()->run_until([] { return true; });
+}
+
+} // namespace preferences_testing

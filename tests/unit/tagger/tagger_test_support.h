@@ -1,0 +1,129 @@
+#pragma once
+// What the tagger tests share: a real test host with the component attached and the host kit's
+// window list, doubles of the host services the tagger only calls (preferences window, tag update),
+// lookup results built from match descriptions, and the dialog opened the way a finished lookup
+// opens it.
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <tunehall/preferences_page.h>
+#include <tunehall/tag_update.h>
+
+#include <hostkit/window_list.h>
+
+#include "cddb/lookup_state.h"
+#include "support/test_host.h"
+#include "ui/headless/headless_view.h"
+
+namespace tagger_testing {
+
+// The dialog's controls by the ids of its template (spelled out here rather than taken from the
+// component, so that a wrong id there shows up).
+enum control : int {
+    matches_group = 1010,
+    matches = 1011,
+    artist = 1006,
+    album = 1007,
+    year = 1008,
+    genre = 1009,
+    various_artists = 1021,
+    tracks = 1024,
+    wipe_tags = 1017,
+    update_files = 1022,
+    settings = 3,
+    close_button = 2,
+};
+constexpr unsigned key_f2 = 0x71;
+constexpr int title_column = 1, comment_column = 2;
+// How the in-place editor ends.
+constexpr int escape = 0, tab = 1, shift_tab = 2, enter = 3;
+
+// The host's preferences window: which pages it was asked to show.
+class preferences_recorder : public preferences_window {
+public:
+    void show_page(const GUID& page) override { pages.push_back(page); }
+    std::vector<GUID> pages;
+};
+
+// The host's tag update, with the tracks' tags ("the files") in memory: an update runs the
+// filter over each track's tags at once and keeps what it changed; the end is reported later,
+// through the host's main-thread queue, when the test says how it went.
+class recording_tag_update : public tag_update {
+public:
+    struct call {
+        track_list tracks;
+        HWND parent;
+        std::uint32_t flags;
+        std::uint32_t task_id;
+    };
+
+    void update_async(const track_list& tracks, service_ref<tag_update_filter> filter, HWND parent, std::uint32_t flags,
+                      service_ref<completion_notification> done, std::uint32_t task_id) override;
+
+    // The tags the file of `track` holds now.
+    tag_record& tags_of(const track_ref& track) { return files_[track.get()]; }
+    const std::vector<call>& calls() const { return calls_; }
+    // Queues the last update's completion with `result`, under `task_id` (default: the id the
+    // update was started with).
+    void complete(std::uint32_t result, std::optional<std::uint32_t> task_id = std::nullopt);
+
+private:
+    std::map<const track_handle*, tag_record> files_;
+    std::vector<call> calls_;
+    service_ref<completion_notification> done_;
+};
+
+// One match as the lookup would have read it.
+struct match {
+    std::string category = "rock";
+    std::string dtitle;
+    std::string year, genre, disc_comment;
+    std::vector<std::string> titles;
+    std::vector<std::string> comments;  // per track; missing ones are empty
+    bool various = false;
+};
+disc_record make_record(const match& m);
+// Tracks the user had selected.
+track_list make_tracks(std::size_t count);
+// A finished lookup over `track_count` tracks that found `servers` (label, matches) in order.
+service_ref<lookup_state> make_lookup(std::size_t track_count,
+                                      const std::vector<std::pair<std::string, std::vector<match>>>& servers);
+// A match of `count` tracks called "Title 1".."Title n".
+match numbered_match(const std::string& dtitle, std::size_t count, const std::string& category = "rock");
+
+// A test host with the doubles registered, opening dialogs as the lookup does.
+class tagger_test : public ::testing::Test {
+protected:
+    tagger_test();
+    ~tagger_test() override;
+
+    // Opens the dialog on `state` through the first registered tagger_dialog_factory (the
+    // component's), and returns the window it handed to the host's window list.
+    headless_view& open(service_ref<lookup_state> state);
+    // Whether the dialog behind `window` is gone: off the host's window list and destroyed.
+    bool closed(HWND window) const;
+    // Runs what the host queued for its main thread.
+    void run_main_thread() { host.host().queue().run_pending(); }
+
+    testing_support::test_host host;
+    service_ref<hostkit::window_list> windows = make_service<hostkit::window_list>();
+    service_ref<preferences_recorder> preferences = make_service<preferences_recorder>();
+    service_ref<recording_tag_update> updates = make_service<recording_tag_update>();
+
+private:
+    std::int64_t wipe_before_ = 0;
+};
+
+// The cells of the track list's column `column`, top to bottom.
+std::vector<std::string> column_texts(const headless_view& view, int column);
+// A tag record's fields as (name, values) in order.
+std::vector<std::pair<std::string, std::vector<std::string>>> fields_of(const tag_record& tags);
+
+} // namespace tagger_testing
