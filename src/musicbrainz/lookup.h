@@ -1,0 +1,27 @@
+#pragma once
+// One MusicBrainz lookup for the selected tracks: disc id, cache or web service, the media that
+// hold the disc, and the release chosen among them. Runs on a worker thread.
+
+#include <memory>
+#include <stdexcept>
+
+#include <tunehall/abort.h>
+#include <tunehall/track.h>
+
+#include "musicbrainz/release.h"
+
+class musicbrainz_cache;
+
+// Nothing in the answer matched the selection.
+class musicbrainz_no_match : public std::runtime_error {
+public:
+    musicbrainz_no_match() : std::runtime_error("No matching entry") {}
+};
+
+// The release for `tracks` (one disc, in selection order), from the cache in the profile folder
+// or else from the web service. Raises what the user is to be shown: "No matching entry",
+// "XML error", "invalid argument" (not 1..99 tracks), the host's network and file errors.
+std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& tracks, abort_source& abort);
+// The same with a cache of the caller's.
+std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& tracks, abort_source& abort,
+                                                        musicbrainz_cache& cache);

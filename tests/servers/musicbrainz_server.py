@@ -1,0 +1,267 @@
+#!/usr/bin/env python3
+"""A small MusicBrainz web service (disc-id lookups, XML answers) for the tests and the demo.
+
+It answers `GET /ws/2/discid/<id>` with the file `<id>.xml` from a folder of answers (the
+query, such as "?inc=recordings+artist-credits", does not change the answer). An id that has
+no file gets 404 with the service's own not-found body; a text that is not shaped like a disc
+id gets 400 with its invalid-discid body.
+
+Every request except those to /control is recorded (path and query exactly as received, one
+line each) so that tests can count the requests made for each path; GET /control?counts lists
+them as "<count> <path and query>" lines, and GET /control?last-headers returns the header
+lines of the last recorded request. The server can be told to misbehave (see the faults below)
+at start (--fault) or while it runs (GET /control?fault=...).
+
+With --port 0 it picks a free port; the first line on stdout is always "PORT <n>", so tests
+can run many servers side by side. SIGTERM (or Ctrl-C) stops it cleanly.
+
+Standard library only.
+"""
+
+import argparse
+import collections
+import http.server
+import os
+import re
+import signal
+import sys
+import threading
+import time
+import urllib.parse
+
+CONTENT_TYPE = "application/xml; charset=UTF-8"
+
+FAULTS = """\
+faults (comma-separated; "none" clears):
+  http-status:N   answer every lookup with HTTP status N (400..599) and an error body
+  not-found       answer every lookup with 404 and the not-found body, even known ids
+  truncate        answer with only the first half of the XML (a complete HTTP answer)
+  slow:SECONDS    wait before sending the body (headers go out at once)"""
+
+# The service's bodies for an unknown disc id and for a text that is no disc id.
+NOT_FOUND_BODY = (b'<?xml version="1.0" encoding="UTF-8"?><error><text>Not Found</text>'
+                  b'<text>For usage, please see: http://musicbrainz.org/development/mmd</text></error>')
+INVALID_BODY = (b'<?xml version="1.0"?>\n<error>\n  <text>Invalid discid.</text>\n'
+                b'  <text>For usage, please see: https://musicbrainz.org/development/mmd</text>\n</error>\n')
+
+LOOKUP_PATH = "/ws/2/discid/"
+DISC_ID = re.compile(r"^[A-Za-z0-9._-]{28}$")
+
+
+# ---------------------------------------------------------------------------------------------
+# Faults
+
+def parse_faults(text):
+    """Checks a fault list and returns it as {name: argument}; raises ValueError."""
+    faults = {}
+    for item in filter(None, (t.strip() for t in text.split(","))):
+        name, _, arg = item.partition(":")
+        if name == "none" and not arg:
+            continue
+        if name == "http-status":
+            if not arg.isdigit() or not 400 <= int(arg) <= 599:
+                raise ValueError("http-status must be between 400 and 599")
+            faults[name] = int(arg)
+        elif name == "slow":
+            try:
+                seconds = float(arg)
+            except ValueError:
+                raise ValueError("slow needs seconds") from None
+            if seconds < 0:
+                raise ValueError("slow needs seconds")
+            faults[name] = seconds
+        elif name in ("not-found", "truncate") and not arg:
+            faults[name] = None
+        else:
+            raise ValueError("unknown fault: " + item)
+    return faults
+
+
+class fault_switch:
+    """The faults in force; switched by the control URL from any request thread."""
+
+    def __init__(self, faults):
+        self._lock = threading.Lock()
+        self._faults = faults
+
+    def set(self, faults):
+        with self._lock:
+            self._faults = faults
+
+    def get(self):
+        with self._lock:
+            return dict(self._faults)
+
+
+# ---------------------------------------------------------------------------------------------
+# HTTP
+
+class musicbrainz_http_server(http.server.ThreadingHTTPServer):
+    daemon_threads = True
+    block_on_close = False
+
+    def __init__(self, address, options, faults):
+        super().__init__(address, request_handler)
+        self.options = options
+        self.faults = faults
+        self._log_lock = threading.Lock()
+        self._log = open(options.log, "ab") if options.log else None
+        self.last_headers = ""
+        self.counts = collections.Counter()
+
+    def record(self, request_target, headers):
+        with self._log_lock:
+            self.last_headers = headers
+            self.counts[request_target] += 1
+            if self._log:
+                self._log.write(request_target.encode("latin-1") + b"\n")
+                self._log.flush()
+
+    def last_request_headers(self):
+        with self._log_lock:
+            return self.last_headers
+
+    def request_counts(self):
+        with self._log_lock:
+            return sorted(self.counts.items())
+
+    def server_close(self):
+        super().server_close()
+        if self._log:
+            self._log.close()
+
+
+class request_handler(http.server.BaseHTTPRequestHandler):
+    server_version = "tessellon-test-musicbrainz/0.9"
+    protocol_version = "HTTP/1.1"
+
+    def log_message(self, format, *args):
+        if self.server.options.verbose:
+            super().log_message(format, *args)
+
+    def do_GET(self):
+        try:
+            self.answer()
+        except (BrokenPipeError, ConnectionResetError):
+            pass  # the client went away (an aborted test); nothing to tell it
+
+    def answer(self):
+        path, _, query = self.path.partition("?")
+        if path == "/control":
+            return self.control(query)
+
+        self.server.record(self.path, str(self.headers))
+        if not path.startswith(LOOKUP_PATH):
+            return self.send_body(404, NOT_FOUND_BODY, {})
+        disc_id = urllib.parse.unquote(path[len(LOOKUP_PATH):])
+        faults = self.server.faults.get()
+        if "http-status" in faults:
+            code = faults["http-status"]
+            body = ('<?xml version="1.0" encoding="UTF-8"?><error><text>{} forced by the test server'
+                    '</text></error>').format(code).encode()
+            return self.send_body(code, body, faults)
+        if "not-found" in faults:
+            return self.send_body(404, NOT_FOUND_BODY, faults)
+        if not DISC_ID.match(disc_id):
+            return self.send_body(400, INVALID_BODY, faults)
+        answer_path = os.path.join(self.server.options.answers, disc_id + ".xml")
+        try:
+            with open(answer_path, "rb") as f:
+                body = f.read()
+        except FileNotFoundError:
+            return self.send_body(404, NOT_FOUND_BODY, faults)
+        self.send_body(200, body, faults)
+
+    def control(self, query):
+        params = urllib.parse.parse_qs(query, keep_blank_values=True)
+        if "last-headers" in params:
+            headers = self.server.last_request_headers()
+            return self.send_text(200, headers.encode("latin-1").splitlines())
+        if "counts" in params:
+            lines = ["{} {}".format(n, target).encode("latin-1") for target, n in self.server.request_counts()]
+            return self.send_text(200, lines)
+        if "fault" not in params:
+            return self.send_text(400, [b"expected fault=..., counts or last-headers"])
+        try:
+            faults = parse_faults(",".join(params["fault"]))
+        except ValueError as e:
+            return self.send_text(400, [str(e).encode()])
+        self.server.faults.set(faults)
+        return self.send_text(200, [b"fault=" + ",".join(params["fault"]).encode()])
+
+    def send_text(self, code, lines):
+        body = b"".join(l + b"\r\n" for l in lines)
+        self.send_response(code)
+        self.send_header("Content-Type", "text/plain; charset=UTF-8")
+        self.send_header("Content-Length", str(len(body)))
+        self.send_header("Connection", "close")
+        self.end_headers()
+        self.wfile.write(body)
+        self.close_connection = True
+
+    def send_body(self, code, body, faults):
+        if "truncate" in faults:
+            body = body[:len(body) // 2]
+        self.send_response(code)
+        self.send_header("Content-Type", CONTENT_TYPE)
+        self.send_header("Content-Length", str(len(body)))
+        self.send_header("Connection", "close")
+        self.end_headers()
+        self.wfile.flush()
+        self.close_connection = True
+        if faults.get("slow"):
+            time.sleep(faults["slow"])
+        self.wfile.write(body)
+        self.wfile.flush()
+
+
+# ---------------------------------------------------------------------------------------------
+
+def main(argv):
+    here = os.path.dirname(os.path.abspath(__file__))
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0], epilog=FAULTS,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--port", type=int, default=0, help="port on 127.0.0.1 (0: a free one)")
+    parser.add_argument("--answers", default=os.path.join(here, "musicbrainz_answers"),
+                        help="folder of <disc id>.xml answers (default: the bundled one)")
+    parser.add_argument("--log", help="file that receives each request's path and query")
+    parser.add_argument("--fault", default="", help="faults in force from the start")
+    parser.add_argument("--stop-with-stdin", action="store_true",
+                        help="stop when standard input closes (a test that started it has ended)")
+    parser.add_argument("--verbose", action="store_true", help="log requests to stderr")
+    options = parser.parse_args(argv)
+    try:
+        faults = parse_faults(options.fault)
+    except ValueError as e:
+        parser.error(str(e))
+    if not os.path.isdir(options.answers):
+        parser.error("no folder of answers at " + options.answers)
+
+    server = musicbrainz_http_server(("127.0.0.1", options.port), options, fault_switch(faults))
+    # The handler runs on the main thread, which is inside serve_forever: raising there ends
+    # the loop at once, and request threads (daemons) end with the process.
+    def stop(*_):
+        raise SystemExit(0)
+    signal.signal(signal.SIGTERM, stop)
+    signal.signal(signal.SIGINT, stop)
+    if options.stop_with_stdin:
+        # A test that dies without stopping its server must not leave it behind.
+        # Reads the descriptor, not sys.stdin: a thread blocked inside the buffered reader
+        # holds its lock, and the interpreter aborts when it needs that lock at exit.
+        def watch_stdin():
+            while os.read(sys.stdin.fileno(), 4096):
+                pass
+            os.kill(os.getpid(), signal.SIGTERM)
+        threading.Thread(target=watch_stdin, daemon=True).start()
+    print("PORT {}".format(server.server_address[1]), flush=True)
+    try:
+        server.serve_forever()
+    except SystemExit:
+        pass
+    finally:
+        server.server_close()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,468 @@
+// The XML reader the web-service answers go through: documents, entities, tags and attributes,
+// namespaces, the lookups, and the failures each of them reports.
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "xml/xml_parser.h"
+
+namespace {
+
+namespace xml = ZR::xmlParser;
+
+constexpr const char* ns = "http://musicbrainz.org/ns/mmd-2.0#";
+
+// A document element, as the lookup makes one from an answer.
+xml::element document(const std::string& text) {
+    std::string_view view = text;
+    xml::prepare_document(view);
+    return xml::element(view.data(), view.size());
+}
+
+// The same with the service's namespace declared on a wrapping element, so that the lookups
+// (which look in that namespace) see the children of `inner`.
+xml::element in_namespace(const std::string& inner) {
+    return xml::find_child(document(std::string("<m xmlns=\"") + ns + "\">" + inner + "</m>"), "m");
+}
+
+void expect_xml_error(const std::function<void()>& action, const char* message = "XML error") {
+    try {
+        action();
+        ADD_FAILURE() << "no error was raised";
+    } catch (const xml::error& e) {
+        EXPECT_STREQ(e.what(), message);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Exceptions
+
+TEST(xml_exceptions, carry_their_texts_and_sit_in_their_families) {
+    try {
+        throw xml::error();
+    } catch (const ZR::invalid_input& e) {
+        EXPECT_STREQ(e.what(), "XML error");
+    }
+    try {
+        throw ZR::invalid_input();
+    } catch (const std::runtime_error& e) {
+        EXPECT_STREQ(e.what(), "invalid input");
+    }
+    try {
+        throw ZR::overflow();
+    } catch (const std::overflow_error& e) {
+        EXPECT_STREQ(e.what(), "overflow");
+    }
+    try {
+        throw ZR::user_abort();
+    } catch (const std::runtime_error& e) {
+        EXPECT_STREQ(e.what(), "user abort");
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Entities
+
+struct entity_case {
+    std::string text;
+    std::string decoded;
+};
+
+class xml_entity_decoding : public testing::TestWithParam<entity_case> {};
+
+TEST_P(xml_entity_decoding, gives_the_characters) {
+    const std::string& text = GetParam().text;
+    EXPECT_EQ(xml::decode_entities(text.data(), text.size()), GetParam().decoded) << text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    references, xml_entity_decoding,
+    testing::Values(entity_case{"&#65;", "A"}, entity_case{"&#x41;", "A"}, entity_case{"&#X41;", "A"},
+                    entity_case{"&65;", "A"},  // a name starting with a digit is a decimal number
+                    entity_case{"&AMP;", "&"}, entity_case{"&amp;&lt;&gt;&apos;&quot;", "&<>'\""},
+                    entity_case{"&nbsp;", "\xC2\xA0"}, entity_case{"&#x2665;", "\xE2\x99\xA5"},
+                    entity_case{"&#x10FFFF;", "\xF4\x8F\xBF\xBF"},
+                    entity_case{"&#0;", std::string(1, '\0')},
+                    entity_case{"&#4294967295;", ""},  // fits in 32 bits, but UTF-8 cannot write it
+                    entity_case{"Ge\xC3\xA4usch &amp; more", "Ge\xC3\xA4usch & more"},
+                    entity_case{"no references", "no references"}, entity_case{"", ""}));
+
+class xml_entity_refusal : public testing::TestWithParam<std::string> {};
+
+TEST_P(xml_entity_refusal, is_an_xml_error) {
+    const std::string& text = GetParam();
+    expect_xml_error([&] { xml::decode_entities(text.data(), text.size()); });
+}
+
+INSTANTIATE_TEST_SUITE_P(references, xml_entity_refusal,
+                         testing::Values("&foo;", "Tom & Jerry", "&amp", "&;", "&#;", "&#x;", "&#12a;",
+                                         "&#4294967296;", "&#x100000000;", "caf\xE9",  // Latin-1, not UTF-8
+                                         "\xC3", "\x80"));
+
+// ---------------------------------------------------------------------------------------------
+// UTF-8 helpers
+
+struct utf8_case {
+    std::uint32_t code_point;
+    std::string bytes;
+};
+
+class xml_utf8_round_trip : public testing::TestWithParam<utf8_case> {};
+
+TEST_P(xml_utf8_round_trip, encodes_and_decodes) {
+    char out[6];
+    std::size_t n = xml::utf8_encode_char(GetParam().code_point, out);
+    EXPECT_EQ(std::string(out, n), GetParam().bytes);
+    std::uint32_t decoded = 0;
+    const std::string& bytes = GetParam().bytes;
+    EXPECT_EQ(xml::utf8_decode_char(bytes.data(), bytes.size(), decoded), bytes.size());
+    EXPECT_EQ(decoded, GetParam().code_point);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    lengths, xml_utf8_round_trip,
+    testing::Values(utf8_case{0x41, "A"}, utf8_case{0x7F, "\x7F"}, utf8_case{0x80, "\xC2\x80"},
+                    utf8_case{0x7FF, "\xDF\xBF"}, utf8_case{0x800, "\xE0\xA0\x80"},
+                    utf8_case{0xFFFF, "\xEF\xBF\xBF"}, utf8_case{0x10000, "\xF0\x90\x80\x80"},
+                    utf8_case{0x1FFFFF, "\xF7\xBF\xBF\xBF"}, utf8_case{0x200000, "\xF8\x88\x80\x80\x80"},
+                    utf8_case{0x4000000, "\xFC\x84\x80\x80\x80\x80"},
+                    utf8_case{0x7FFFFFFF, "\xFD\xBF\xBF\xBF\xBF\xBF"}));
+
+TEST(xml_utf8, code_points_above_31_bits_are_not_written) {
+    char out[6];
+    EXPECT_EQ(xml::utf8_encode_char(0x80000000u, out), 0u);
+    EXPECT_EQ(xml::utf8_encode_char(0xFFFFFFFFu, out), 0u);
+}
+
+TEST(xml_utf8, malformed_and_truncated_sequences_decode_to_nothing) {
+    const std::vector<std::string> bad = {
+        "\x80",              // continuation byte first
+        "\xC3",              // truncated
+        "\xE2\x99",          // truncated
+        "\xC3\x41",          // second byte is no continuation
+        "\xC0\x80",          // overlong NUL
+        "\xE0\x80\xAF",      // overlong "/"
+        "\xFE", "\xFF",
+    };
+    for (const std::string& bytes : bad) {
+        std::uint32_t cp = 0;
+        EXPECT_EQ(xml::utf8_decode_char(bytes.data(), bytes.size(), cp), 0u) << testing::PrintToString(bytes);
+    }
+    std::uint32_t cp = 0;
+    EXPECT_EQ(xml::utf8_decode_char("\xE2\x99\xA5", 2, cp), 0u) << "the length bounds the sequence";
+}
+
+// ---------------------------------------------------------------------------------------------
+// Document preparation
+
+struct prepared_case {
+    std::string text;
+    std::string rest;  // where the span starts afterwards
+};
+
+class xml_declaration_skipping : public testing::TestWithParam<prepared_case> {};
+
+TEST_P(xml_declaration_skipping, narrows_the_span) {
+    std::string_view view = GetParam().text;
+    xml::prepare_document(view);
+    EXPECT_EQ(std::string(view), GetParam().rest);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    declarations, xml_declaration_skipping,
+    testing::Values(prepared_case{"<a/>", "<a/>"},
+                    prepared_case{"\xEF\xBB\xBF<a/>", "<a/>"},
+                    prepared_case{"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n  <a/>", "<a/>"},
+                    prepared_case{"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?><a/>", "<a/>"},
+                    prepared_case{"<?xml version='1.0' encoding='UTF-16'?><a/>", "<a/>"},
+                    prepared_case{"<?xml version=\"1.0\"?><a/>", "<a/>"},  // no encoding: accepted
+                    prepared_case{"<?xml\tversion = \"1.0\"\r\nstandalone=\"yes\" ?><a/>", "<a/>"},
+                    prepared_case{"<?xml encoding=\"&#85;TF-8\"?><a/>", "<a/>"},  // values are decoded
+                    // Not a declaration: left in place.
+                    prepared_case{"<?xml-stylesheet href=\"s.xsl\"?><a/>", "<?xml-stylesheet href=\"s.xsl\"?><a/>"},
+                    prepared_case{"  <?xml version=\"1.0\"?><a/>", "  <?xml version=\"1.0\"?><a/>"}));
+
+TEST(xml_declaration, refuses_encodings_it_does_not_read) {
+    for (const char* text : {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a/>",
+                             "<?xml version=\"1.0\" encoding=\"windows-1252\"?><a/>",
+                             "<?xml encoding=\"utf8\"?><a/>"}) {
+        std::string_view view = text;
+        expect_xml_error([&] { xml::prepare_document(view); }, "Heathen character encodings not supported");
+    }
+}
+
+TEST(xml_declaration, malformed_declarations_are_xml_errors) {
+    for (const char* text : {"<?xml version=\"1.0\"", "<?xml version=\"1.0\"?", "<?xml version=\"1.0\"?x<a/>",
+                             "<?xml version=1.0?><a/>", "<?xml version\"1.0\"?><a/>", "<?xml 1version=\"1\"?><a/>",
+                             "<?xml version=\"1.0?><a/>", "<?xml version=\"1.0'?><a/>", "<?xml v-x=\"1\"?><a/>",
+                             "<?xml version=\"&bogus;\"?><a/>"}) {
+        std::string_view view = text;
+        expect_xml_error([&] { xml::prepare_document(view); });
+    }
+}
+
+TEST(xml_document, is_the_text_without_surrounding_blanks) {
+    const std::string text = "\r\n\t <a>x</a> \x01\n";
+    xml::element doc(text.data(), text.size());
+    EXPECT_EQ(doc.content, "<a>x</a>");
+    EXPECT_TRUE(doc.namespaces.empty());
+    EXPECT_TRUE(doc.attributes.empty());
+    // Bytes of 128 and above are not blanks.
+    const std::string high = "\xA0<a/>\xA0";
+    EXPECT_EQ(xml::element(high.data(), high.size()).content, high);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Lookups
+
+TEST(xml_lookups, find_children_yields_every_match_in_order_and_find_child_refuses_two) {
+    xml::element a = in_namespace("<a><b>1</b><c/><b>2</b></a>");
+    xml::element parent = xml::find_child(a, "a");
+    std::list<xml::element> bs = xml::find_children(parent, "b");
+    ASSERT_EQ(bs.size(), 2u);
+    EXPECT_EQ(xml::text_of(bs.front()), "1");
+    EXPECT_EQ(xml::text_of(bs.back()), "2");
+    expect_xml_error([&] { xml::find_child(parent, "b"); });
+    xml::element untouched;
+    untouched.content = "kept";
+    expect_xml_error([&] { xml::try_find_child(parent, "b", untouched); });
+    EXPECT_EQ(untouched.content, "kept");
+}
+
+TEST(xml_lookups, a_missing_child_is_an_error_for_find_child_only) {
+    xml::element a = xml::find_child(in_namespace("<a><b>1</b></a>"), "a");
+    expect_xml_error([&] { xml::find_child(a, "missing"); });
+    xml::element out;
+    out.content = "kept";
+    EXPECT_FALSE(xml::try_find_child(a, "missing", out));
+    EXPECT_EQ(out.content, "kept");
+    EXPECT_TRUE(xml::find_children(a, "missing").empty());
+    ASSERT_TRUE(xml::try_find_child(a, "b", out));
+    EXPECT_EQ(out.content, "1");
+}
+
+TEST(xml_lookups, only_direct_children_are_seen) {
+    xml::element a = xml::find_child(in_namespace("<a><b><c>deep</c></b></a>"), "a");
+    EXPECT_TRUE(xml::find_children(a, "c").empty());
+    EXPECT_EQ(xml::text_of(xml::find_child(xml::find_child(a, "b"), "c")), "deep");
+}
+
+TEST(xml_lookups, a_found_child_carries_its_attributes_namespaces_and_trimmed_content) {
+    xml::element m = in_namespace("<disc id=\"x&amp;y\" n=\"2\">\n   <sectors>5</sectors>\n </disc>");
+    xml::element disc = xml::find_child(m, "disc");
+    EXPECT_EQ(disc.content, "<sectors>5</sectors>");
+    EXPECT_EQ(disc.attributes, (xml::attribute_map{{"id", "x&y"}, {"n", "2"}}));
+    EXPECT_EQ(disc.namespaces, (xml::namespace_map{{"", ns}}));
+}
+
+TEST(xml_lookups, a_self_closing_element_is_found_with_empty_content) {
+    xml::element m = in_namespace("<x/><y a=\"1\"/><z a=\"1\" />");
+    EXPECT_EQ(xml::find_child(m, "x").content, "");
+    EXPECT_EQ(xml::find_child(m, "y").attributes.at("a"), "1");
+    EXPECT_EQ(xml::find_child(m, "z").attributes.at("a"), "1");
+    EXPECT_EQ(xml::text_of(xml::find_child(m, "x")), "");
+}
+
+TEST(xml_lookups, end_tags_compare_ignoring_ascii_case) {
+    EXPECT_EQ(xml::text_of(xml::find_child(in_namespace("<b>1</B>"), "b")), "1");
+    EXPECT_EQ(xml::find_child(in_namespace("<Track><x>1</X ></TRACK\n>"), "Track").content, "<x>1</X >");
+    expect_xml_error([] { in_namespace("<b>1</c>"); });
+    expect_xml_error([] { xml::find_child(in_namespace("<a><b>1</c></a>"), "a"); });
+}
+
+TEST(xml_lookups, element_names_are_case_sensitive) {
+    xml::element m = in_namespace("<Title>t</Title>");
+    xml::element out;
+    EXPECT_FALSE(xml::try_find_child(m, "title", out));
+    EXPECT_TRUE(xml::try_find_child(m, "Title", out));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Namespaces
+
+TEST(xml_namespaces, uris_match_whatever_trailing_slashes_either_side_has) {
+    xml::element doc = document("<p:x xmlns:p=\"U/\">1</p:x><q:y xmlns:q=\"U\">2</q:y><z xmlns=\"U//\">3</z>");
+    EXPECT_EQ(xml::text_of(xml::find_child(doc, "x", "U")), "1");
+    EXPECT_EQ(xml::text_of(xml::find_child(doc, "y", "U/")), "2");
+    EXPECT_EQ(xml::text_of(xml::find_child(doc, "z", "U")), "3");
+    xml::element out;
+    EXPECT_FALSE(xml::try_find_child(doc, "x", out, "V"));
+    EXPECT_FALSE(xml::try_find_child(doc, "x", out, "U/x"));
+}
+
+TEST(xml_namespaces, an_undeclared_prefix_stays_in_the_local_name) {
+    xml::element doc = document("<p:x>1</p:x>");
+    xml::element out;
+    EXPECT_FALSE(xml::try_find_child(doc, "x", out, "U"));
+    EXPECT_FALSE(xml::try_find_child(doc, "x", out, ""));
+    // No wanted URI matches by local name alone.
+    ASSERT_TRUE(xml::try_find_child(doc, "p:x", out, ""));
+    EXPECT_EQ(out.content, "1");
+}
+
+TEST(xml_namespaces, an_element_outside_the_wanted_namespace_is_not_found) {
+    xml::element doc = document("<metadata>no namespace</metadata>");
+    expect_xml_error([&] { xml::find_child(doc, "metadata"); });
+    EXPECT_EQ(xml::text_of(xml::find_child(doc, "metadata", "")), "no namespace");
+}
+
+TEST(xml_namespaces, declarations_are_inherited_overridden_and_kept_as_attributes) {
+    xml::element outer = xml::find_child(
+        document("<a xmlns=\"U\" xmlns:p=\"P\"><p:b xmlns:p=\"Q\"><c/></p:b><p:d/></a>"), "a", "U");
+    EXPECT_EQ(outer.attributes, (xml::attribute_map{{"xmlns", "U"}, {"xmlns:p", "P"}}));
+    xml::element b = xml::find_child(outer, "b", "Q");
+    EXPECT_EQ(b.namespaces, (xml::namespace_map{{"", "U"}, {"p", "Q"}}));
+    EXPECT_EQ(xml::find_child(b, "c", "U").content, "");
+    EXPECT_EQ(xml::find_child(outer, "d", "P").content, "");
+    xml::element out;
+    EXPECT_FALSE(xml::try_find_child(outer, "b", out, "P"));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Text
+
+TEST(xml_text, entities_are_decoded_and_markup_that_is_skipped_adds_nothing) {
+    xml::element m = in_namespace(
+        "<t>Rock &amp; Roll</t>"
+        "<c><![CDATA[abc]]></c>"
+        "<n>a<!-- a comment with <tags> -->b<![CDATA[<x>]]>c<!DOCTYPE x>d</n>"
+        "<q>&quot;Quoted&quot; &lt;b&gt;</q>");
+    EXPECT_EQ(xml::text_of(xml::find_child(m, "t")), "Rock & Roll");
+    EXPECT_EQ(xml::text_of(xml::find_child(m, "c")), "");
+    EXPECT_EQ(xml::text_of(xml::find_child(m, "n")), "abcd");
+    EXPECT_EQ(xml::text_of(xml::find_child(m, "q")), "\"Quoted\" <b>");
+}
+
+TEST(xml_text, an_element_with_children_has_no_text) {
+    xml::element m = in_namespace("<t>a<b/>c</t>");
+    expect_xml_error([&] { xml::text_of(xml::find_child(m, "t")); });
+}
+
+TEST(xml_text, a_bad_entity_in_text_is_an_xml_error) {
+    xml::element m = in_namespace("<t>Simon & Garfunkel</t>");
+    expect_xml_error([&] { xml::text_of(xml::find_child(m, "t")); });
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tags and attributes
+
+TEST(xml_tags, a_greater_than_sign_inside_double_quotes_belongs_to_the_value) {
+    xml::element m = in_namespace("<a x=\"1>2\" y=\" spaced \">t</a>");
+    xml::element a = xml::find_child(m, "a");
+    EXPECT_EQ(a.attributes.at("x"), "1>2");
+    EXPECT_EQ(a.attributes.at("y"), " spaced ");
+    EXPECT_EQ(a.content, "t");
+}
+
+TEST(xml_tags, blanks_around_the_equals_sign_are_allowed) {
+    xml::element a = xml::find_child(in_namespace("<a\n  x =\t\"1\"  y= \"2\" ></a>"), "a");
+    EXPECT_EQ(a.attributes, (xml::attribute_map{{"x", "1"}, {"y", "2"}}));
+}
+
+class xml_malformed_markup : public testing::TestWithParam<std::string> {};
+
+// Each text is the content of an element the lookups scan.
+TEST_P(xml_malformed_markup, is_an_xml_error) {
+    xml::element parent;
+    parent.content = GetParam();
+    expect_xml_error([&] { xml::find_children(parent, "a", ""); });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    texts, xml_malformed_markup,
+    testing::Values("<a x='1'>t</a>",               // single-quoted attribute
+                    "<a x=\"1\" x=\"2\">t</a>",     // attribute twice
+                    "<a x>t</a>",                   // no "="
+                    "<a x=\"1>t</a>",               // value never ends (the tag neither)
+                    "<a x=\"1\"y=1>t</a>",          // unquoted value
+                    "<a x=\"&nope;\">t</a>",        // unknown entity in a value
+                    "<a>t",                         // no end tag
+                    "<a>t</a",                      // end tag never closed
+                    "<a><b>t</a>",                  // nested element never closed
+                    "text <",                       // "<" as the last byte
+                    "<!-- never closed",
+                    "<![CDATA[ never closed",
+                    "<!DOCTYPE never closed",
+                    "<>t</>",                       // empty name
+                    "< a>t</a>",                    // empty name (blank right after "<")
+                    "<a/b>t</a/b>",                 // "/" inside a name
+                    "<a<b>t</a<b>",                 // "<" inside a name
+                    "<a>t<>u</></a>"));             // an empty nested name
+
+TEST(xml_tags, a_stray_end_tag_ends_the_level) {
+    xml::element parent;
+    parent.content = "<a>1</a></stray><a>2</a>";
+    EXPECT_EQ(xml::find_children(parent, "a", "").size(), 1u);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Depth
+
+std::string nested(unsigned depth) {
+    std::string text;
+    for (unsigned i = 0; i < depth; ++i) text += "<e>";
+    text += "x";
+    for (unsigned i = 0; i < depth; ++i) text += "</e>";
+    return text;
+}
+
+TEST(xml_depth, two_hundred_fifty_six_levels_are_read) {
+    xml::element e = document(nested(xml::max_depth));
+    for (unsigned level = 0; level < xml::max_depth; ++level) e = xml::find_child(e, "e", "");
+    EXPECT_EQ(xml::text_of(e), "x");
+}
+
+TEST(xml_depth, deeper_nesting_is_an_xml_error_not_a_crash) {
+    for (unsigned depth : {xml::max_depth + 1, 300u, 100000u}) {
+        xml::element doc = document(nested(depth));
+        expect_xml_error([&] { xml::find_child(doc, "e", ""); });
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// The scan itself
+
+class recording_handler : public xml::handler {
+public:
+    std::vector<std::string> calls;
+
+    void on_element(const xml::namespace_map&, std::string_view uri, std::string_view local_name,
+                    const xml::attribute_map& attributes, const char* content, std::size_t length) override {
+        std::string call = "element " + std::string(uri) + " " + std::string(local_name) + " [" +
+                           std::string(content, length) + "]";
+        for (const auto& [name, value] : attributes) call += " " + name + "=" + value;
+        calls.push_back(call);
+    }
+    void on_text(const char* text, std::size_t length) override {
+        calls.push_back("text " + std::string(text, length));
+    }
+    bool skip_element(std::string_view) override { return false; }
+    bool skip_content(std::string_view) override { return false; }
+};
+
+TEST(xml_scan, reports_text_runs_and_direct_children_in_document_order) {
+    recording_handler h;
+    xml::scan_children(h, {{"", "U"}, {"p", "P"}},
+                       "a<x k=\"v\"><y>in</y></x>b<!--c-->d<p:z/><q:w/>tail");
+    EXPECT_EQ(h.calls, (std::vector<std::string>{"text a", "element U x [<y>in</y>] k=v", "text b", "text d",
+                                                 "element P z []", "element  q:w []", "text tail"}));
+}
+
+TEST(xml_scan, a_set_abort_flag_stops_find_children) {
+    xml::element m = in_namespace("<b/><b/>");
+    std::atomic<bool> abort{false};
+    EXPECT_EQ(xml::find_children(m, "b", ns, &abort).size(), 2u);
+    abort = true;
+    try {
+        xml::find_children(m, "b", ns, &abort);
+        ADD_FAILURE() << "not aborted";
+    } catch (const ZR::user_abort& e) {
+        EXPECT_STREQ(e.what(), "user abort");
+    }
+}
+
+} // namespace
