@@ -7,13 +7,13 @@
 
 namespace tessellon_cli {
 
-session::session(const global_options& globals, component_source source) {
+session::session(const global_options& globals, component_source source, bool write_tags) {
     hostkit::host_options options;
     options.profile = hostkit::default_profile(globals.profile);
     options.progress = &progress_;
     host_ = std::make_unique<hostkit::host>(options);
     host_->services().add_instance(filesystem::class_guid, service_ptr(make_http_filesystem().get()));
-    host_->services().add_instance(tag_update::class_guid, make_service<hostkit::tag_update_engine>(tag_files_));
+    if (write_tags) host_->services().add_instance(tag_update::class_guid, make_service<hostkit::tag_update_engine>(tag_files_));
     if (source == component_source::file || !globals.component.empty()) {
         std::filesystem::path file = globals.component.empty() ? default_component_path() : hostkit::utf8_path(globals.component);
         component_ = &host_->load_component(hostkit::path_utf8(file));

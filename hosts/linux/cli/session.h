@@ -18,7 +18,10 @@ public:
     // (the commands), or its file loaded with dlopen (`about`, and any --component FILE).
     enum class component_source { linked, file };
 
-    explicit session(const global_options& globals, component_source source = component_source::linked);
+    // `write_tags` false: the host's tag update is left out (the caller registers its own, as
+    // --dry-run does).
+    explicit session(const global_options& globals, component_source source = component_source::linked,
+                     bool write_tags = true);
     ~session();
 
     hostkit::host& host() { return *host_; }

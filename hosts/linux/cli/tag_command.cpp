@@ -58,8 +58,9 @@ struct cell_edit {
 // "N=TEXT" with N counted from 1.
 cell_edit parse_cell_edit(const std::string& option, const std::string& value, std::size_t rows) {
     auto eq = value.find('=');
+    const std::string number = value.substr(0, eq);
     char* end = nullptr;
-    unsigned long n = eq == std::string::npos ? 0 : std::strtoul(value.substr(0, eq).c_str(), &end, 10);
+    unsigned long n = eq == std::string::npos ? 0 : std::strtoul(number.c_str(), &end, 10);
     if (eq == std::string::npos || n == 0 || *end != '\0' || n > rows)
         throw usage_error{option + " " + value + ": expected N=TEXT with N from 1 to " + std::to_string(rows)};
     return {n - 1, value.substr(eq + 1)};
@@ -107,10 +108,11 @@ int run_tag(const global_options& globals, const arguments& args) {
                           {"--lengths", "--match", "--artist", "--album", "--year", "--genre", "--title", "--comment"});
     if (options.flag("--wipe") && options.flag("--keep")) throw usage_error{"--wipe and --keep exclude each other"};
     if (options.flag("--various") && options.flag("--not-various")) throw usage_error{"--various and --not-various exclude each other"};
-    session s(globals);
+    const bool dry = options.flag("--dry-run");
+    session s(globals, session::component_source::linked, /*write_tags=*/!dry);
     hostkit::window_list& windows = s.host().windows();
     auto dry_run = make_service<dry_run_update>();
-    if (options.flag("--dry-run")) s.host().services().add_instance(tag_update::class_guid, dry_run);
+    if (dry) s.host().services().add_instance(tag_update::class_guid, dry_run);
 
     track_list tracks = read_tracks(options);
     service_ref<lookup_state> unused;
@@ -121,6 +123,15 @@ int run_tag(const global_options& globals, const arguments& args) {
     headless_view* view = headless_view::from_handle(windows.open().back().handle);
     if (!view) throw tunehall_io::exception_io("The tagger dialog is not one the command line can drive");
     HWND dialog = view->handle();
+    // Whatever goes wrong from here on, the dialog is closed as the user would close it.
+    struct close_on_exit {
+        hostkit::window_list& windows;
+        HWND dialog;
+        ~close_on_exit() {
+            if (windows.is_open(dialog))
+                if (auto* v = headless_view::from_handle(dialog)) v->close();
+        }
+    } closer{windows, dialog};
 
     std::vector<std::size_t> rows = match_rows(*view);
     if (auto m = options.value("--match")) {
@@ -170,7 +181,7 @@ int run_tag(const global_options& globals, const arguments& args) {
         auto lines = s.host().console().lines();
         bool mismatch = std::find(lines.begin() + static_cast<long>(console_before), lines.end(), "Error: track count mismatch") != lines.end();
         view->click(close_button);
-        if (options.flag("--dry-run") && dry_run->called) {
+        if (dry && dry_run->called) {
             if (options.flag("--json")) {
                 json_writer json;
                 json.begin_object().key("tracks").begin_array();
