@@ -5,6 +5,7 @@
 
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/preferences_actions.h"
 #include "cli/record_output.h"
 #include "cli/session.h"
 #include "config/settings.h"
@@ -36,40 +37,30 @@ int list_servers(const option_reader& options) {
     return exit_ok;
 }
 
-// `servers add HOST [PORT [ADDRESS [DESCRIPTION]]]`, or the same as options; what is not given
-// keeps the built-in server's value.
-int add_server(const option_reader& options) {
-    server_record r;
-    default_server_record(r);
+// `servers add|edit`: HOST [PORT [ADDRESS [DESCRIPTION]]] positionally, or as options.
+server_fields fields_of(const option_reader& options, std::size_t skip) {
     const auto& pos = options.positional();
-    if (pos.size() > 4) throw usage_error{"usage: tessellon servers add HOST [PORT [ADDRESS [DESCRIPTION]]]"};
+    if (pos.size() > skip + 4) throw usage_error{"too many arguments: at most HOST PORT ADDRESS DESCRIPTION"};
+    std::optional<std::string>* slots[4];
+    server_fields f;
+    slots[0] = &f.server;
+    slots[1] = &f.port;
+    slots[2] = &f.address;
+    slots[3] = &f.description;
     const char* names[] = {"--server", "--port", "--address", "--description"};
-    void (server_record::*setters[])(const char*, std::size_t) = {&server_record::set_server, &server_record::set_port,
-                                                                  &server_record::set_address, &server_record::set_description};
     for (std::size_t i = 0; i < 4; ++i) {
-        if (i < pos.size()) (r.*setters[i])(pos[i].c_str(), server_record::npos);
-        if (auto v = options.value(names[i])) (r.*setters[i])(v->c_str(), server_record::npos);
+        if (skip + i < pos.size()) *slots[i] = pos[skip + i];
+        if (auto v = options.value(names[i])) *slots[i] = *v;
     }
-    server_list servers = load_server_list();
-    servers.push_back(r);
-    save_server_list(servers);
-    std::printf("%zu  %s\n", servers.size(), server_text(r).c_str());
-    return exit_ok;
+    return f;
 }
 
-// `servers remove N`, N as `servers list` numbers the rows.
-int remove_server(const option_reader& options) {
-    server_list servers = load_server_list();
+std::size_t row_number(const option_reader& options, const char* usage) {
     const auto& pos = options.positional();
     char* end = nullptr;
-    unsigned long n = pos.size() == 1 ? std::strtoul(pos[0].c_str(), &end, 10) : 0;
-    if (pos.size() != 1 || *end != '\0' || n == 0 || n > servers.size())
-        throw usage_error{"usage: tessellon servers remove N (N from 1 to " + std::to_string(servers.size()) + ")"};
-    server_record removed = servers[n - 1];
-    servers.erase(servers.begin() + static_cast<long>(n - 1));
-    save_server_list(servers);
-    std::printf("removed %s\n", server_text(removed).c_str());
-    return exit_ok;
+    unsigned long n = pos.empty() ? 0 : std::strtoul(pos[0].c_str(), &end, 10);
+    if (pos.empty() || *end != '\0' || n == 0) throw usage_error{usage};
+    return n;
 }
 
 } // namespace
@@ -80,16 +71,38 @@ int run_servers(const global_options& globals, const arguments& args) {
     option_reader options(rest, {"--json"}, {"--server", "--port", "--address", "--description"});
     session s(globals);
     if (sub == "list") return list_servers(options);
-    if (sub == "add") return add_server(options);
-    if (sub == "remove") return remove_server(options);
-    throw usage_error{"unknown servers command '" + sub + "' (list, add or remove)"};
+
+    // Every change goes through the preferences page, as a user makes it, and is applied.
+    preferences_actions page(s);
+    if (sub == "add") {
+        page.add(fields_of(options, 0));
+    } else if (sub == "edit") {
+        page.edit(row_number(options, "usage: tessellon servers edit N [HOST [PORT [ADDRESS [DESCRIPTION]]]]"), fields_of(options, 1));
+    } else if (sub == "remove") {
+        if (options.positional().size() != 1) throw usage_error{"usage: tessellon servers remove N"};
+        page.remove(row_number(options, "usage: tessellon servers remove N"));
+    } else if (sub == "reset") {
+        page.reset();
+    } else if (sub == "retrieve") {
+        if (options.positional().size() != 1) throw usage_error{"usage: tessellon servers retrieve N"};
+        // The page shows its own message (on stderr here) and leaves the list alone.
+        if (page.retrieve(row_number(options, "usage: tessellon servers retrieve N"))) return exit_failure;
+    } else {
+        throw usage_error{"unknown servers command '" + sub + "' (list, add, edit, remove, reset or retrieve)"};
+    }
+    page.apply();
+    return list_servers(options);
 }
 
 int run_config(const global_options& globals, const arguments& args) {
     if (args.empty() || args[0] != "email" || args.size() > 2)
         throw usage_error{"usage: tessellon config email [ADDRESS]"};
     session s(globals);
-    if (args.size() == 2) cfg_email.set(args[1]);
+    if (args.size() == 2) {
+        preferences_actions page(s);
+        page.set_email(args[1]);
+        page.apply();
+    }
     std::printf("%s\n", cfg_email.get().c_str());
     return exit_ok;
 }

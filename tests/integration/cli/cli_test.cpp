@@ -144,3 +144,40 @@ TEST_F(cli, ctrl_c_during_a_slow_server_ends_with_status_1_and_no_results) {
     EXPECT_EQ(r.out, "");
     EXPECT_FALSE(contains(r.err, "No information found"));
 }
+
+TEST_F(cli, servers_retrieve_replaces_the_list_with_the_http_sites_of_the_server) {
+    local_server server("tests/servers/cddb_server.py", {"--sites", "tests/servers/cddb_db/sites.txt"});
+    add_server(server, "Local mirror");
+    ASSERT_EQ(run({"servers", "remove", "1"}).exit_code, 0);
+    auto r = run({"servers", "retrieve", "1"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(run({"servers", "list"}).out,
+              "1  a.cddb.tessellon.invalid:80  /~cddb/cddb.cgi  Test primary site, San Jose area\n"
+              "2  b.cddb.tessellon.invalid:8080  /cgi-bin/cddb.cgi  Southern test mirror, Sydney\n");
+}
+
+TEST_F(cli, servers_retrieve_from_a_failing_server_explains_and_keeps_the_list) {
+    local_server server("tests/servers/cddb_server.py", {"--fault", "cddb-status:500"});
+    add_server(server, "Broken");
+    const std::string before = run({"servers", "list"}).out;
+    auto r = run({"servers", "retrieve", "2"});
+    EXPECT_EQ(r.exit_code, 2);
+    EXPECT_TRUE(contains(r.err, "An error occurred while trying to retrieve a server list from 127.0.0.1.\n\n"
+                                "Invalid status code. Expected 210 or 401, got 500\n\n"
+                                "The current server list will be left unaltered."))
+        << r.err;
+    EXPECT_EQ(run({"servers", "list"}).out, before);
+}
+
+TEST_F(cli, servers_edit_remove_and_reset_work_through_the_page) {
+    ASSERT_EQ(run({"servers", "add", "a.example.invalid", "8880", "/cgi", "First"}).exit_code, 0);
+    ASSERT_EQ(run({"servers", "edit", "2", "--port", "", "--description", "Renamed"}).exit_code, 0);
+    // A cleared port is read as the number 0, as the editor reads it.
+    EXPECT_EQ(run({"servers", "list"}).out,
+              "1  cddb.tessellon.invalid:80  /~cddb/cddb.cgi  discora server\n2  a.example.invalid:0  /cgi  Renamed\n");
+    ASSERT_EQ(run({"servers", "remove", "1"}).exit_code, 0);
+    EXPECT_EQ(run({"servers", "list"}).out, "1  a.example.invalid:0  /cgi  Renamed\n");
+    EXPECT_EQ(run({"servers", "remove", "5"}).exit_code, 2);
+    ASSERT_EQ(run({"servers", "reset"}).exit_code, 0);
+    EXPECT_EQ(run({"servers", "list"}).out, "1  cddb.tessellon.invalid:80  /~cddb/cddb.cgi  discora server\n");
+}
