@@ -8,6 +8,20 @@ namespace hostkit {
 
 namespace {
 
+// Whether two records hold the same fields with the same values, in whatever field order: a file
+// lists its fields in its own order, so a prepared record that matches it field for field is no
+// change.
+bool same_fields(const tag_record& a, const tag_record& b) {
+    if (a.field_count() != b.field_count()) return false;
+    for (std::size_t f = 0; f < a.field_count(); ++f) {
+        std::size_t g = b.find_field(a.field_name(f).c_str());
+        if (g == tag_record::npos || a.value_count(f) != b.value_count(g)) return false;
+        for (std::size_t v = 0; v < a.value_count(f); ++v)
+            if (a.value(f, v) != b.value(g, v)) return false;
+    }
+    return true;
+}
+
 class update_task : public threaded_process_task {
 public:
     update_task(tag_io& io, track_list tracks, service_ref<tag_update_filter> filter,
@@ -23,7 +37,7 @@ public:
                 tag_record before = io_.read_tags(tracks_[i]);
                 tag_record after = before;
                 // A file the filter leaves as it was is not rewritten.
-                if (filter_->apply(tracks_[i], after) && !(after == before)) io_.write_tags(tracks_[i], after);
+                if (filter_->apply(tracks_[i], after) && !same_fields(after, before)) io_.write_tags(tracks_[i], after);
             } catch (const tunehall_io::exception_aborted&) {
                 throw;
             } catch (const std::exception& e) {

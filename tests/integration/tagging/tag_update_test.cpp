@@ -84,6 +84,32 @@ TEST_F(tag_update_fixture, a_file_the_filter_left_as_it_was_is_not_rewritten) {
     EXPECT_EQ(std::filesystem::last_write_time(kept), mtime);
 }
 
+// The file lists its fields in its own order; the same fields in another order are no change.
+class reorder_filter : public tag_update_filter {
+public:
+    bool apply(const track_ref&, tag_record& tags) override {
+        tag_record reversed;
+        for (std::size_t f = tags.field_count(); f-- > 0;)
+            for (std::size_t v = 0; v < tags.value_count(f); ++v) reversed.add_tag_value(tags.field_name(f).c_str(), tags.value(f, v));
+        tags = reversed;
+        return true;
+    }
+};
+
+TEST_F(tag_update_fixture, the_same_fields_in_another_order_do_not_rewrite_the_file) {
+    auto paths = make_album(album.path(), {1.0}, audio_format::flac);
+    run_audio_tool({"metaflac", "--set-tag=TITLE=One", "--set-tag=ARTIST=Two", "--set-tag=ALBUM=Three", paths[0].string()});
+    const std::string before = read_file(paths[0]);
+    auto mtime = std::filesystem::last_write_time(paths[0]);
+    auto done = make_service<recorded_completion>();
+    host_service<tag_update>()->update_async({make_file_track(paths[0].string())}, make_service<reorder_filter>(), nullptr, 0,
+                                             done, 7);
+    host.run_until([&] { return !done->calls.empty(); });
+    EXPECT_EQ(done->calls[0].second, completion_notification::result_success);
+    EXPECT_EQ(read_file(paths[0]), before);
+    EXPECT_EQ(std::filesystem::last_write_time(paths[0]), mtime);
+}
+
 TEST_F(tag_update_fixture, a_read_only_file_is_named_and_the_others_are_still_written) {
     auto paths = make_album(album.path(), {1.0, 1.5, 2.0}, audio_format::flac);
     chmod(paths[1].c_str(), 0444);

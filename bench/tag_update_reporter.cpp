@@ -1,0 +1,68 @@
+#include "tag_update_reporter.h"
+
+#include <cstdio>
+#include <ostream>
+#include <utility>
+
+namespace {
+
+std::string line(const char* format, auto... values) {
+    char text[256];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+double in_ms(double time, benchmark::TimeUnit unit) { return time / benchmark::GetTimeUnitMultiplier(unit) * 1e3; }
+
+} // namespace
+
+tag_update_reporter::tag_update_reporter(std::string ours, std::string peer, std::vector<std::string> parts,
+                                         double max_ratio, OutputOptions options)
+    : ConsoleReporter(options), ours_(std::move(ours)), peer_(std::move(peer)), parts_(std::move(parts)),
+      max_ratio_(max_ratio) {}
+
+void tag_update_reporter::ReportRuns(const std::vector<Run>& runs) {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+        if (run.error_occurred) {
+            ++errors_;
+            continue;
+        }
+        // With repetitions the median stands for the benchmark; a single run stands for itself.
+        bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+        bool single = run.run_type == Run::RT_Iteration && run.repetitions <= 1;
+        if (!median && !single) continue;
+        // The name without the "/process_time" and "/real_time" decorations.
+        measured_[run.run_name.function_name] = {in_ms(run.GetAdjustedCPUTime(), run.time_unit),
+                                                 in_ms(run.GetAdjustedRealTime(), run.time_unit)};
+    }
+}
+
+void tag_update_reporter::Finalize() {
+    std::ostream& out = GetOutputStream();
+    out << "\nper pass over the album, in ms (median of the repetitions when there are several);\n"
+        << "CPU is the process's CPU time: every thread, user and system\n";
+    out << line("%-40s %10s %10s\n", "benchmark", "CPU ms", "real ms");
+    std::vector<std::string> shown{ours_, peer_};
+    shown.insert(shown.end(), parts_.begin(), parts_.end());
+    for (const std::string& name : shown) {
+        auto it = measured_.find(name);
+        if (it == measured_.end())
+            out << line("%-40s %10s\n", name.c_str(), "not measured (an error or a filter left it out)");
+        else
+            out << line("%-40s %10.2f %10.2f\n", name.c_str(), it->second.cpu_ms, it->second.real_ms);
+    }
+    auto ours = measured_.find(ours_), peer = measured_.find(peer_);
+    if (ours != measured_.end() && peer != measured_.end() && peer->second.cpu_ms > 0 && peer->second.real_ms > 0) {
+        double cpu_ratio = ours->second.cpu_ms / peer->second.cpu_ms;
+        double real_ratio = ours->second.real_ms / peer->second.real_ms;
+        bool met = cpu_ratio <= max_ratio_;
+        out << line("\nours / plain loop: %.2f (CPU), %.2f (real)\n", cpu_ratio, real_ratio);
+        out << line("goal, ours at most %.1f times the plain loop in CPU time: %s\n", max_ratio_,
+                    met ? "MET" : "MISSED");
+    } else {
+        out << "\ngoal not checked: ours or the plain loop was not measured\n";
+    }
+    if (errors_) out << "\n" << errors_ << " benchmark(s) reported an error; see above\n";
+    ConsoleReporter::Finalize();
+}

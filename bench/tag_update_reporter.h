@@ -1,0 +1,36 @@
+#pragma once
+// The console report of the tag update benchmark, followed by ours beside the plain TagLib loop
+// (and the parts of ours measured alone) and the check of the speed goal.
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+class tag_update_reporter final : public benchmark::ConsoleReporter {
+public:
+    // `ours` and `peer` name the two compared benchmarks; `parts` name benchmarks that time a
+    // share of ours on its own, shown for the reader only. The goal: ours / peer <= max_ratio.
+    tag_update_reporter(std::string ours, std::string peer, std::vector<std::string> parts, double max_ratio,
+                        OutputOptions options);
+
+    void ReportRuns(const std::vector<Run>& runs) override;
+    void Finalize() override;
+
+    // Benchmarks that reported an error (writers that disagreed, a file that was not written).
+    int errors() const { return errors_; }
+
+private:
+    struct times {
+        double cpu_ms = 0;   // process CPU time: every thread, user and system
+        double real_ms = 0;
+    };
+
+    std::string ours_;
+    std::string peer_;
+    std::vector<std::string> parts_;
+    double max_ratio_;
+    std::map<std::string, times> measured_;
+    int errors_ = 0;
+};
