@@ -34,10 +34,12 @@ public:
             status.set_progress_float(static_cast<double>(i) / static_cast<double>(tracks_.size()));
             status.set_item(tracks_[i]->path());
             try {
-                tag_record before = io_.read_tags(tracks_[i]);
-                tag_record after = before;
-                // A file the filter leaves as it was is not rewritten.
-                if (filter_->apply(tracks_[i], after) && !same_fields(after, before)) io_.write_tags(tracks_[i], after);
+                io_.update_tags(tracks_[i], [&](const tag_record& before) -> std::optional<tag_record> {
+                    tag_record after = before;
+                    // A file the filter leaves as it was is not rewritten.
+                    if (filter_->apply(tracks_[i], after) && !same_fields(after, before)) return after;
+                    return std::nullopt;
+                });
             } catch (const tunehall_io::exception_aborted&) {
                 throw;
             } catch (const std::exception& e) {

@@ -4,6 +4,8 @@
 // written. One file that cannot be read or written is named in the error and the others are
 // still written; the completion (on the main thread) then reports failure.
 
+#include <functional>
+#include <optional>
 #include <string>
 
 #include <tunehall/tag_update.h>
@@ -14,9 +16,16 @@ namespace hostkit {
 // in the Windows test host). Failures raise the i/o family naming the file.
 class tag_io {
 public:
+    using change_fn = std::function<std::optional<tag_record>(const tag_record&)>;
+
     virtual ~tag_io() = default;
     virtual tag_record read_tags(const track_ref& track) = 0;
     virtual void write_tags(const track_ref& track, const tag_record& tags) = 0;
+    // Reads the track's tags, lets `change` decide, and writes the record it returns (nothing
+    // when it returns none). Stores that can keep the file open in between override this.
+    virtual void update_tags(const track_ref& track, const change_fn& change) {
+        if (std::optional<tag_record> changed = change(read_tags(track))) write_tags(track, *changed);
+    }
 };
 
 class tag_update_engine : public tag_update {

@@ -9,6 +9,8 @@ class file_tag_io final : public hostkit::tag_io {
 public:
     tag_record read_tags(const track_ref& track) override;
     void write_tags(const track_ref& track, const tag_record& tags) override;
+    // One open per file: read, decide, save.
+    void update_tags(const track_ref& track, const change_fn& change) override;
 };
 
 } // namespace linux_host

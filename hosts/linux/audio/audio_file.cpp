@@ -251,8 +251,19 @@ track_info read_audio_file(const std::string& path) {
     return info;
 }
 
-void write_tags(const std::string& path, const tag_record& tags) {
-    opened_file f = open_audio_file(path);
+namespace {
+void save_or_raise(opened_file& f, const std::string& path, const tag_record& tags) {
     if (f.file->readOnly() || is_marked_read_only(path)) throw tunehall_io::exception_io_denied("Access denied: " + path);
     if (!save_tags(f, tags)) throw tunehall_io::exception_io("Cannot write tags: " + path);
+}
+} // namespace
+
+void write_tags(const std::string& path, const tag_record& tags) {
+    opened_file f = open_audio_file(path);
+    save_or_raise(f, path, tags);
+}
+
+void update_tags(const std::string& path, const std::function<std::optional<tag_record>(const tag_record&)>& change) {
+    opened_file f = open_audio_file(path);
+    if (std::optional<tag_record> changed = change(tags_of(f))) save_or_raise(f, path, *changed);
 }

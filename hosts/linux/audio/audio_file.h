@@ -2,6 +2,8 @@
 // Real audio files (FLAC, MP3, Ogg Vorbis, Opus, WAV, M4A) through TagLib: how long a track
 // plays, its technical fields, its tags, and writing its tags. Paths are UTF-8.
 
+#include <functional>
+#include <optional>
 #include <string>
 
 #include <tunehall/track.h>
@@ -21,3 +23,8 @@ track_info read_audio_file(const std::string& path);
 // raises exception_io_not_found, a read-only one exception_io_denied, before anything is
 // changed; every text names the file.
 void write_tags(const std::string& path, const tag_record& tags);
+
+// Reads the file's tags, hands them to `change`, and when it returns a record writes that one as
+// write_tags does, through the same opened file: one open per file instead of two. Failures as
+// for read_audio_file and write_tags.
+void update_tags(const std::string& path, const std::function<std::optional<tag_record>(const tag_record&)>& change);
