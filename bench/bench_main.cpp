@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <exception>
 
-#include <unistd.h>
 
 #include <benchmark/benchmark.h>
 
@@ -23,8 +22,7 @@ int main(int argc, char** argv) {
                 {"disc_id/", 1.0, "disc id: no slower than libcddb"},
                 {"xmcd_parse/", 5.0, "xmcd parse: at least 5 times faster than libcddb per entry"},
             },
-            isatty(STDOUT_FILENO) ? benchmark::ConsoleReporter::OO_ColorTabular
-                                  : benchmark::ConsoleReporter::OO_Tabular);
+            median_reporter::console_options());
         benchmark::RunSpecifiedBenchmarks(&reporter);
         benchmark::Shutdown();
         return reporter.errors() == 0 ? 0 : 1;

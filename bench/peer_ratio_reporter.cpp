@@ -25,27 +25,16 @@ std::string line(const char* format, auto... values) {
 } // namespace
 
 peer_ratio_reporter::peer_ratio_reporter(std::vector<speed_goal> goals, OutputOptions options)
-    : ConsoleReporter(options), goals_(std::move(goals)) {}
+    : median_reporter(options), goals_(std::move(goals)) {}
 
-void peer_ratio_reporter::ReportRuns(const std::vector<Run>& runs) {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-        if (run.error_occurred) {
-            ++errors_;
-            continue;
-        }
-        // With repetitions the median stands for the benchmark; a single run stands for itself.
-        bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
-        bool single = run.run_type == Run::RT_Iteration && run.repetitions <= 1;
-        if (!median && !single) continue;
-        const std::string& name = run.run_name.function_name;
-        bool is_ours = ends_with(name, ours_suffix);
-        if (!is_ours && !ends_with(name, peer_suffix)) continue;
-        std::string key = name.substr(0, name.size() - (is_ours ? ours_suffix : peer_suffix).size());
-        if (!cases_.count(key)) order_.push_back(key);
-        double ns = run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
-        (is_ours ? cases_[key].ours_ns : cases_[key].peer_ns) = ns;
-    }
+void peer_ratio_reporter::measured(const Run& run) {
+    const std::string& name = run.run_name.function_name;
+    bool is_ours = ends_with(name, ours_suffix);
+    if (!is_ours && !ends_with(name, peer_suffix)) return;
+    std::string key = name.substr(0, name.size() - (is_ours ? ours_suffix : peer_suffix).size());
+    if (!cases_.count(key)) order_.push_back(key);
+    double ns = run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
+    (is_ours ? cases_[key].ours_ns : cases_[key].peer_ns) = ns;
 }
 
 void peer_ratio_reporter::Finalize() {
@@ -86,6 +75,6 @@ void peer_ratio_reporter::Finalize() {
                     lowest, std::exp(log_sum / cases), ours_total, peer_total, peer_total / ours_total);
         if (!missed.empty()) out << "  missed by:" << missed << "\n";
     }
-    if (errors_) out << "\n" << errors_ << " benchmark(s) reported an error; see above\n";
+    if (errors()) out << "\n" << errors() << " benchmark(s) reported an error; see above\n";
     ConsoleReporter::Finalize();
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <benchmark/benchmark.h>
+#include "median_reporter.h"
 
 struct speed_goal {
     std::string group;   // benchmark name prefix, such as "disc_id/"
@@ -14,17 +14,15 @@ struct speed_goal {
     std::string what;    // the goal in words
 };
 
-class peer_ratio_reporter final : public benchmark::ConsoleReporter {
+class peer_ratio_reporter final : public median_reporter {
 public:
     peer_ratio_reporter(std::vector<speed_goal> goals, OutputOptions options);
 
-    void ReportRuns(const std::vector<Run>& runs) override;
     void Finalize() override;
 
-    // Benchmarks that reported an error (a peer that disagreed, a file that would not parse).
-    int errors() const { return errors_; }
 
 private:
+    void measured(const Run& run) override;
     struct pair_times {
         double ours_ns = 0;
         double peer_ns = 0;
@@ -33,5 +31,4 @@ private:
     std::vector<speed_goal> goals_;
     std::vector<std::string> order_;  // cases in the order they ran
     std::map<std::string, pair_times> cases_;
-    int errors_ = 0;
 };

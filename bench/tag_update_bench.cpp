@@ -12,7 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include <unistd.h>
 
 #include <benchmark/benchmark.h>
 #include <taglib/flacfile.h>
@@ -281,8 +280,7 @@ int main(int argc, char** argv) {
         tag_update_suite suite;
         suite.register_benchmarks();
         tag_update_reporter reporter(group + "ours", group + "taglib", tag_update_suite::part_names(), 1.3,
-                                     isatty(STDOUT_FILENO) ? benchmark::ConsoleReporter::OO_ColorTabular
-                                                           : benchmark::ConsoleReporter::OO_Tabular);
+                                     median_reporter::console_options());
         benchmark::RunSpecifiedBenchmarks(&reporter);
         benchmark::Shutdown();
         return reporter.errors() == 0 ? 0 : 1;

@@ -18,24 +18,13 @@ double in_ms(double time, benchmark::TimeUnit unit) { return time / benchmark::G
 
 tag_update_reporter::tag_update_reporter(std::string ours, std::string peer, std::vector<std::string> parts,
                                          double max_ratio, OutputOptions options)
-    : ConsoleReporter(options), ours_(std::move(ours)), peer_(std::move(peer)), parts_(std::move(parts)),
+    : median_reporter(options), ours_(std::move(ours)), peer_(std::move(peer)), parts_(std::move(parts)),
       max_ratio_(max_ratio) {}
 
-void tag_update_reporter::ReportRuns(const std::vector<Run>& runs) {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-        if (run.error_occurred) {
-            ++errors_;
-            continue;
-        }
-        // With repetitions the median stands for the benchmark; a single run stands for itself.
-        bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
-        bool single = run.run_type == Run::RT_Iteration && run.repetitions <= 1;
-        if (!median && !single) continue;
-        // The name without the "/process_time" and "/real_time" decorations.
-        measured_[run.run_name.function_name] = {in_ms(run.GetAdjustedCPUTime(), run.time_unit),
-                                                 in_ms(run.GetAdjustedRealTime(), run.time_unit)};
-    }
+void tag_update_reporter::measured(const Run& run) {
+    // The name without the "/process_time" and "/real_time" decorations.
+    measured_[run.run_name.function_name] = {in_ms(run.GetAdjustedCPUTime(), run.time_unit),
+                                             in_ms(run.GetAdjustedRealTime(), run.time_unit)};
 }
 
 void tag_update_reporter::Finalize() {
@@ -63,6 +52,6 @@ void tag_update_reporter::Finalize() {
     } else {
         out << "\ngoal not checked: ours or the plain loop was not measured\n";
     }
-    if (errors_) out << "\n" << errors_ << " benchmark(s) reported an error; see above\n";
+    if (errors()) out << "\n" << errors() << " benchmark(s) reported an error; see above\n";
     ConsoleReporter::Finalize();
 }

@@ -6,22 +6,20 @@
 #include <string>
 #include <vector>
 
-#include <benchmark/benchmark.h>
+#include "median_reporter.h"
 
-class tag_update_reporter final : public benchmark::ConsoleReporter {
+class tag_update_reporter final : public median_reporter {
 public:
     // `ours` and `peer` name the two compared benchmarks; `parts` name benchmarks that time a
     // share of ours on its own, shown for the reader only. The goal: ours / peer <= max_ratio.
     tag_update_reporter(std::string ours, std::string peer, std::vector<std::string> parts, double max_ratio,
                         OutputOptions options);
 
-    void ReportRuns(const std::vector<Run>& runs) override;
     void Finalize() override;
 
-    // Benchmarks that reported an error (writers that disagreed, a file that was not written).
-    int errors() const { return errors_; }
 
 private:
+    void measured(const Run& run) override;
     struct times {
         double cpu_ms = 0;   // process CPU time: every thread, user and system
         double real_ms = 0;
@@ -32,5 +30,4 @@ private:
     std::vector<std::string> parts_;
     double max_ratio_;
     std::map<std::string, times> measured_;
-    int errors_ = 0;
 };

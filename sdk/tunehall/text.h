@@ -1,6 +1,7 @@
 #pragma once
 // Small text helpers the SDK's own code needs.
 
+#include <cstddef>
 #include <string_view>
 
 namespace tunehall {

@@ -9,7 +9,7 @@ namespace ZR::xmlParser {
 
 namespace {
 
-using detail::ascii_iequal;
+using detail::ascii_iequals;
 using detail::is_blank;
 
 bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -53,7 +53,7 @@ void prepare_document(std::string_view& text) {
 
     // Nothing is transcoded, so only the encodings the answers really use are let through.
     if (auto encoding = pseudo_attributes.find("encoding"); encoding != pseudo_attributes.end())
-        if (!ascii_iequal(encoding->second, "utf-8") && !ascii_iequal(encoding->second, "utf-16"))
+        if (!ascii_iequals(encoding->second, "utf-8") && !ascii_iequals(encoding->second, "utf-16"))
             throw error("Heathen character encodings not supported");
 }
 

@@ -56,7 +56,7 @@ std::uint32_t resolve(std::string_view name) {
         if (read_number(name, 10, value)) return value;
     }
     for (const auto& entity : named_entities)
-        if (detail::ascii_iequal(name, entity.name)) return entity.code_point;
+        if (detail::ascii_iequals(name, entity.name)) return entity.code_point;
     throw error();
 }
 

@@ -9,7 +9,7 @@ namespace ZR::xmlParser {
 
 namespace {
 
-using detail::ascii_iequal;
+using detail::ascii_iequals;
 using detail::is_blank;
 
 constexpr std::size_t none = std::string_view::npos;
@@ -74,7 +74,7 @@ span find_end_tag(std::string_view text, std::size_t from, std::string_view name
     std::size_t pos = from, lt, gt;
     while (next_tag(text, pos, lt, gt)) {
         if (text[lt + 1] == '/') {
-            if (!ascii_iequal(trim_end(text.substr(lt + 2, gt - lt - 2)), name)) throw error();
+            if (!ascii_iequals(trim_end(text.substr(lt + 2, gt - lt - 2)), name)) throw error();
             return {lt, gt + 1};
         }
         pos = gt + 1;

@@ -213,24 +213,12 @@ std::vector<std::filesystem::path> make_album(const std::filesystem::path& folde
 }
 
 std::vector<double> fixture_disc_lengths(const std::string& disc_id) {
-    std::ifstream in(fixture("xmcd/cddb-discid-tocs.tsv"));
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream fields(line);
-        std::string id, count, offsets, seconds;
-        std::getline(fields, id, '\t');
-        std::getline(fields, count, '\t');
-        std::getline(fields, offsets, '\t');
-        std::getline(fields, seconds, '\t');
-        if (id != disc_id) continue;
-        std::vector<long> starts;
-        std::istringstream numbers(offsets);
-        for (long offset; numbers >> offset;) starts.push_back(offset);
-        starts.push_back(std::stol(seconds) * 75);
-        std::vector<double> lengths;
-        for (std::size_t i = 0; i + 1 < starts.size(); ++i) lengths.push_back((starts[i + 1] - starts[i]) / 75.0);
-        return lengths;
-    }
-    throw std::runtime_error("no disc " + disc_id + " in xmcd/cddb-discid-tocs.tsv");
+    fixture_toc toc = read_fixture_toc(disc_id);
+    std::vector<long> starts = toc.offsets;
+    starts.push_back(toc.disc_seconds * 75);
+    std::vector<double> lengths;
+    for (std::size_t i = 0; i + 1 < starts.size(); ++i) lengths.push_back(static_cast<double>(starts[i + 1] - starts[i]) / 75.0);
+    return lengths;
 }
 
 std::vector<std::string> independent_tag_lines(const std::filesystem::path& path) {

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 
 #ifdef _WIN32
 #include <process.h>
@@ -47,6 +48,25 @@ void write_file(const std::filesystem::path& path, const std::string& data) {
 
 std::filesystem::path fixture(const std::string& relative) {
     return std::filesystem::path(TESSELLON_FIXTURES) / relative;
+}
+
+fixture_toc read_fixture_toc(const std::string& disc_id) {
+    std::ifstream in(fixture("xmcd/cddb-discid-tocs.tsv"));
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream fields(line);
+        std::string id, count, offsets, seconds;
+        std::getline(fields, id, '\t');
+        std::getline(fields, count, '\t');
+        std::getline(fields, offsets, '\t');
+        std::getline(fields, seconds, '\t');
+        if (id != disc_id) continue;
+        fixture_toc toc;
+        std::istringstream numbers(offsets);
+        for (long offset; numbers >> offset;) toc.offsets.push_back(offset);
+        toc.disc_seconds = std::stol(seconds);
+        return toc;
+    }
+    throw std::runtime_error("no disc " + disc_id + " in xmcd/cddb-discid-tocs.tsv");
 }
 
 } // namespace testing_support

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace testing_support {
 
@@ -26,5 +27,13 @@ std::string read_file(const std::filesystem::path& path);
 void write_file(const std::filesystem::path& path, const std::string& data);
 // A fixture file of the shared test data.
 std::filesystem::path fixture(const std::string& relative);
+
+// One disc of the fixtures' table of contents (xmcd/cddb-discid-tocs.tsv).
+struct fixture_toc {
+    std::vector<long> offsets;  // frames
+    long disc_seconds = 0;
+};
+// Raises std::runtime_error for a disc not in the table.
+fixture_toc read_fixture_toc(const std::string& disc_id);
 
 } // namespace testing_support

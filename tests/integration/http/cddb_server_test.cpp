@@ -46,22 +46,10 @@ std::vector<std::string> file_lines(const std::string& path) {
 // "cddb+query+..." for a disc of the shared fixtures, its offsets moved by `shift` frames,
 // sent under `discid` (the fixture's own id when empty).
 std::string query_for(const std::string& fixture_id, int shift = 0, std::string discid = "") {
-    std::ifstream in(testing_support::fixture("xmcd/cddb-discid-tocs.tsv"));
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream fields(line);
-        std::string id, count, offsets, seconds;
-        std::getline(fields, id, '\t');
-        std::getline(fields, count, '\t');
-        std::getline(fields, offsets, '\t');
-        std::getline(fields, seconds, '\t');
-        if (id != fixture_id) continue;
-        std::string command = "cddb+query+" + (discid.empty() ? id : discid) + "+" + count;
-        std::istringstream numbers(offsets);
-        for (long offset; numbers >> offset;) command += "+" + std::to_string(offset + shift);
-        return command + "+" + seconds;
-    }
-    ADD_FAILURE() << "no disc " << fixture_id << " in the fixtures";
-    return {};
+    testing_support::fixture_toc toc = testing_support::read_fixture_toc(fixture_id);
+    std::string command = "cddb+query+" + (discid.empty() ? fixture_id : discid) + "+" + std::to_string(toc.offsets.size());
+    for (long offset : toc.offsets) command += "+" + std::to_string(offset + shift);
+    return command + "+" + std::to_string(toc.disc_seconds);
 }
 
 const std::string categories_status = "210 OK, category list follows (until terminating `.')";
