@@ -19,15 +19,14 @@ Standard library only.
 """
 
 import argparse
-import http.server
 import os
 import re
-import signal
 import socket
 import sys
-import threading
 import time
 import urllib.parse
+
+import test_server_base
 
 CONTENT_TYPE = "text/plain; charset=UTF-8"
 
@@ -245,22 +244,6 @@ def parse_faults(text):
     return faults
 
 
-class fault_switch:
-    """The faults in force; switched by the control URL from any request thread."""
-
-    def __init__(self, faults):
-        self._lock = threading.Lock()
-        self._faults = faults
-
-    def set(self, faults):
-        with self._lock:
-            self._faults = faults
-
-    def get(self):
-        with self._lock:
-            return dict(self._faults)
-
-
 def apply_line_faults(lines, faults, command):
     code = faults.get("cddb-status")
     if code is None and command.startswith("cddb read"):
@@ -287,49 +270,15 @@ def cut_position(chunks):
 # ---------------------------------------------------------------------------------------------
 # HTTP
 
-class cddb_http_server(http.server.ThreadingHTTPServer):
-    daemon_threads = True
-    block_on_close = False
-
+class cddb_http_server(test_server_base.recording_http_server):
     def __init__(self, address, options, db, sites, faults):
-        super().__init__(address, request_handler)
-        self.options = options
+        super().__init__(address, request_handler, options, faults)
         self.db = db
         self.sites = sites
-        self.faults = faults
-        self._log_lock = threading.Lock()
-        self._log = open(options.log, "ab") if options.log else None
-        self.last_headers = ""
-
-    def record(self, request_target, headers):
-        with self._log_lock:
-            self.last_headers = headers
-            if self._log:
-                self._log.write(request_target.encode("latin-1") + b"\n")
-                self._log.flush()
-
-    def last_request_headers(self):
-        with self._log_lock:
-            return self.last_headers
-
-    def server_close(self):
-        super().server_close()
-        if self._log:
-            self._log.close()
 
 
-class request_handler(http.server.BaseHTTPRequestHandler):
+class request_handler(test_server_base.quiet_request_handler):
     server_version = "tessellon-test-cddbd/0.9"
-
-    def log_message(self, format, *args):
-        if self.server.options.verbose:
-            super().log_message(format, *args)
-
-    def do_GET(self):
-        try:
-            self.answer()
-        except (BrokenPipeError, ConnectionResetError):
-            pass  # the client went away (an aborted test); nothing to tell it
 
     def answer(self):
         path, _, query = self.path.partition("?")
@@ -417,20 +366,15 @@ def main(argv):
     here = os.path.dirname(os.path.abspath(__file__))
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0], epilog=FAULTS,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--port", type=int, default=0, help="port on 127.0.0.1 (0: a free one)")
     parser.add_argument("--db", default=os.path.join(here, "cddb_db"),
                         help="folder of <category>/<discid> xmcd files (default: the bundled one)")
     parser.add_argument("--path", default="/~cddb/cddb.cgi", help="address of the CGI")
     parser.add_argument("--sites", help="file of site lines for the sites command")
-    parser.add_argument("--log", help="file that receives each request's path and query")
     parser.add_argument("--tolerance", type=int, default=30,
                         help="frames each offset may differ by for an inexact match")
-    parser.add_argument("--fault", default="", help="faults in force from the start")
     parser.add_argument("--redirect-from", action="append", default=[], metavar="PATH",
                         help="answer requests for PATH with a redirect to the CGI address")
-    parser.add_argument("--stop-with-stdin", action="store_true",
-                        help="stop when standard input closes (a test that started it has ended)")
-    parser.add_argument("--verbose", action="store_true", help="log requests to stderr")
+    test_server_base.add_common_arguments(parser)
     options = parser.parse_args(argv)
     try:
         faults = parse_faults(options.fault)
@@ -438,31 +382,8 @@ def main(argv):
         parser.error(str(e))
 
     server = cddb_http_server(("127.0.0.1", options.port), options, database(options.db),
-                              read_sites(options.sites), fault_switch(faults))
-    # The handler runs on the main thread, which is inside serve_forever: raising there ends
-    # the loop at once, and request threads (daemons) end with the process.
-    def stop(*_):
-        raise SystemExit(0)
-    signal.signal(signal.SIGTERM, stop)
-    signal.signal(signal.SIGINT, stop)
-    if options.stop_with_stdin:
-        # A test that dies without stopping its server must not leave it behind.
-        def watch_stdin():
-            # The raw descriptor, not sys.stdin: a daemon thread blocked in a buffered read
-            # makes the interpreter's shutdown fail on the buffer's lock.
-            while os.read(0, 4096):
-                pass
-            os.kill(os.getpid(), signal.SIGTERM)
-        threading.Thread(target=watch_stdin, daemon=True).start()
-    print("PORT {}".format(server.server_address[1]), flush=True)
-    try:
-        server.serve_forever()
-    except SystemExit:
-        pass
-    finally:
-        server.server_close()
-    return 0
-
+                              read_sites(options.sites), test_server_base.fault_switch(faults))
+    return test_server_base.serve(server, options)
 
 if __name__ == "__main__":
     sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,114 @@
+"""What the project's Python test servers share: the options every test server takes, the
+switch of faults in force, an HTTP server that records each request, and the serving loop that
+prints the port and stops on SIGTERM or when its standard input closes."""
+
+import collections
+import http.server
+import os
+import signal
+import sys
+import threading
+
+
+def add_common_arguments(parser):
+    parser.add_argument("--port", type=int, default=0, help="port on 127.0.0.1 (0: a free one)")
+    parser.add_argument("--log", help="file that receives each request's path and query")
+    parser.add_argument("--fault", default="", help="faults in force from the start")
+    parser.add_argument("--stop-with-stdin", action="store_true",
+                        help="stop when standard input closes (a test that started it has ended)")
+    parser.add_argument("--verbose", action="store_true", help="log requests to stderr")
+
+
+class fault_switch:
+    """The faults in force; switched by the control URL from any request thread."""
+
+    def __init__(self, faults):
+        self._lock = threading.Lock()
+        self._faults = faults
+
+    def set(self, faults):
+        with self._lock:
+            self._faults = faults
+
+    def get(self):
+        with self._lock:
+            return dict(self._faults)
+
+
+class recording_http_server(http.server.ThreadingHTTPServer):
+    """Records each request's target (to the log file, and counted) and its headers."""
+
+    daemon_threads = True
+    block_on_close = False
+
+    def __init__(self, address, handler, options, faults):
+        super().__init__(address, handler)
+        self.options = options
+        self.faults = faults
+        self._log_lock = threading.Lock()
+        self._log = open(options.log, "ab") if options.log else None
+        self.last_headers = ""
+        self.counts = collections.Counter()
+
+    def record(self, request_target, headers):
+        with self._log_lock:
+            self.last_headers = headers
+            self.counts[request_target] += 1
+            if self._log:
+                self._log.write(request_target.encode("latin-1") + b"\n")
+                self._log.flush()
+
+    def last_request_headers(self):
+        with self._log_lock:
+            return self.last_headers
+
+    def request_counts(self):
+        with self._log_lock:
+            return sorted(self.counts.items())
+
+    def server_close(self):
+        super().server_close()
+        if self._log:
+            self._log.close()
+
+
+class quiet_request_handler(http.server.BaseHTTPRequestHandler):
+    """Logs only with --verbose; a subclass answers GET in `answer`."""
+
+    def log_message(self, format, *args):
+        if self.server.options.verbose:
+            super().log_message(format, *args)
+
+    def do_GET(self):
+        try:
+            self.answer()
+        except (BrokenPipeError, ConnectionResetError):
+            pass  # the client went away (an aborted test); nothing to tell it
+
+
+def serve(server, options):
+    """Prints "PORT <n>" and serves until SIGTERM, SIGINT or (with --stop-with-stdin) the end of
+    standard input; returns the exit status."""
+    # The handler runs on the main thread, which is inside serve_forever: raising there ends
+    # the loop at once, and request threads (daemons) end with the process.
+    def stop(*_):
+        raise SystemExit(0)
+    signal.signal(signal.SIGTERM, stop)
+    signal.signal(signal.SIGINT, stop)
+    if options.stop_with_stdin:
+        # A test that dies without stopping its server must not leave it behind.
+        def watch_stdin():
+            # The raw descriptor, not sys.stdin: a daemon thread blocked in a buffered read
+            # makes the interpreter's shutdown fail on the buffer's lock.
+            while os.read(sys.stdin.fileno(), 4096):
+                pass
+            os.kill(os.getpid(), signal.SIGTERM)
+        threading.Thread(target=watch_stdin, daemon=True).start()
+    print("PORT {}".format(server.server_address[1]), flush=True)
+    try:
+        server.serve_forever()
+    except SystemExit:
+        pass
+    finally:
+        server.server_close()
+    return 0
