@@ -2,6 +2,7 @@
 
 #include "config/legacy_config.h"
 #include "host/module_info.h"
+#include "ui/open_dialogs.h"
 
 namespace sonatag2 {
 
@@ -22,7 +23,11 @@ void component_client::set_library_path(const char* path) {
     path_ = path ? path : "";
 }
 
-void component_client::services_init(bool initialised) { tunehall::set_services_initialised(initialised); }
+void component_client::services_init(bool initialised) {
+    // Dialogs still open when the host shuts down go first, while the services they use exist.
+    if (!initialised) open_dialogs::close_all();
+    tunehall::set_services_initialised(initialised);
+}
 
 bool component_client::is_debug() { return false; }
 

@@ -2,6 +2,7 @@
 // one at a time, for checking a disc or a server by hand.
 
 #include <cstdio>
+#include <optional>
 
 #include "cddb/protocol_handler.h"
 #include "cddb/toc.h"
@@ -11,6 +12,7 @@
 #include "cli/session.h"
 #include "cli/track_input.h"
 #include "config/settings.h"
+#include "musicbrainz/disc_id.h"
 
 namespace tessellon_cli {
 
@@ -130,6 +132,12 @@ int run_discid(const global_options& globals, const arguments& args) {
     disc_toc toc = compute_disc_toc(tracks);
     std::string id = format_disc_id(toc.disc_id);
     std::string query_text = cddb_query_text(tracks);
+    // A MusicBrainz disc id exists only for 1 to 99 tracks; CDDB has no such limit.
+    std::optional<std::string> musicbrainz_id;
+    if (tracks.size() <= 99)
+        musicbrainz_id = compute_musicbrainz_disc_id(tracks);
+    else
+        std::fprintf(stderr, "tessellon: no MusicBrainz disc id for %zu tracks (it covers 1 to 99)\n", tracks.size());
     if (options.flag("--json")) {
         json_writer json;
         json.begin_object().key("cddb").begin_object();
@@ -139,10 +147,13 @@ int run_discid(const global_options& globals, const arguments& args) {
         for (auto o : toc.offsets) json.value(static_cast<std::int64_t>(o));
         json.end_array();
         json.key("disc_seconds").value(static_cast<std::int64_t>(toc.disc_seconds));
-        json.end_object().end_object();
+        json.end_object();
+        if (musicbrainz_id) json.key("musicbrainz").begin_object().key("disc_id").value(*musicbrainz_id).end_object();
+        json.end_object();
         print(json.text() + "\n");
     } else {
         print("CDDB disc id: " + id + "\n" + query_text + "\n");
+        if (musicbrainz_id) print("MusicBrainz disc id: " + *musicbrainz_id + "\n");
     }
     return exit_ok;
 }

@@ -21,6 +21,7 @@ int run_servers(const global_options& globals, const arguments& args);
 int run_config(const global_options& globals, const arguments& args);
 int run_show(const global_options& globals, const arguments& args);
 int run_tag(const global_options& globals, const arguments& args);
+int run_musicbrainz(const global_options& globals, const arguments& args);
 
 // A track's fields as JSON ([[name, [values...]], ...]) and as "  name=value" lines.
 class json_writer;

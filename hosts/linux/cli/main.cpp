@@ -30,6 +30,7 @@ int dispatch(const invocation& inv) {
     if (command == "config") return run_config(inv.globals, rest);
     if (command == "show") return run_show(inv.globals, rest);
     if (command == "tag") return run_tag(inv.globals, rest);
+    if (command == "musicbrainz") return run_musicbrainz(inv.globals, rest);
     throw usage_error{"unknown command '" + command + "' (try tessellon --help)"};
 }
 

@@ -12,6 +12,7 @@
 #include "audio/audio_file.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/dialog_input.h"
 #include "cli/interrupt.h"
 #include "cli/json_writer.h"
 #include "cli/lookup_result.h"
@@ -50,22 +51,6 @@ public:
     std::vector<std::pair<std::string, tag_record>> result;
 };
 
-struct cell_edit {
-    std::size_t row;
-    std::string text;
-};
-
-// "N=TEXT" with N counted from 1.
-cell_edit parse_cell_edit(const std::string& option, const std::string& value, std::size_t rows) {
-    auto eq = value.find('=');
-    const std::string number = value.substr(0, eq);
-    char* end = nullptr;
-    unsigned long n = eq == std::string::npos ? 0 : std::strtoul(number.c_str(), &end, 10);
-    if (eq == std::string::npos || n == 0 || *end != '\0' || n > rows)
-        throw usage_error{option + " " + value + ": expected N=TEXT with N from 1 to " + std::to_string(rows)};
-    return {n - 1, value.substr(eq + 1)};
-}
-
 // Rows of the matches list that carry a match, in the order the dialog lists them.
 std::vector<std::size_t> match_rows(headless_view& v) {
     std::vector<std::size_t> rows;
@@ -93,12 +78,6 @@ std::size_t ask_for_match(headless_view& v, const std::vector<std::size_t>& rows
 
 void set_check(headless_view& v, int id, bool wanted) {
     if ((v.get_check(id) == 1) != wanted) v.click(id);
-}
-
-void edit_cell(headless_view& v, std::size_t row, int column, const std::string& text) {
-    v.click_cell(track_list_id, row, column);
-    if (!v.editing()) throw tunehall_io::exception_io("The tagger dialog did not open row " + std::to_string(row + 1) + " for editing");
-    v.finish_edit(text, 3);  // Enter
 }
 
 } // namespace
@@ -153,11 +132,11 @@ int run_tag(const global_options& globals, const arguments& args) {
     const std::size_t track_rows = view->list_row_count(track_list_id);
     for (auto& t : options.values("--title")) {
         cell_edit e = parse_cell_edit("--title", t, track_rows);
-        edit_cell(*view, e.row, 1, e.text);
+        edit_cell(*view, track_list_id, e.row, 1, e.text, /*double_click=*/false);
     }
     for (auto& c : options.values("--comment")) {
         cell_edit e = parse_cell_edit("--comment", c, track_rows);
-        edit_cell(*view, e.row, 2, e.text);
+        edit_cell(*view, track_list_id, e.row, 2, e.text, /*double_click=*/false);
     }
     if (options.flag("--wipe")) set_check(*view, wipe_check, true);
     if (options.flag("--keep")) set_check(*view, wipe_check, false);

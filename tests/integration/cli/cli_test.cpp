@@ -64,10 +64,13 @@ TEST_F(cli, about_loads_the_component_file_and_lists_its_services) {
 TEST_F(cli, discid_of_lengths_gives_the_id_and_the_query_text) {
     auto r = run({"discid", "--lengths", "180.0,240.2,300.5"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
-    EXPECT_EQ(r.out, "CDDB disc id: 1502D003\ncddb query 1502D003 3 150 13650 31665 722\n");
+    // The MusicBrainz id was worked out by hand: lead-out 150 + round(720.7 s x 75) = 54203.
+    EXPECT_EQ(r.out, "CDDB disc id: 1502D003\ncddb query 1502D003 3 150 13650 31665 722\n"
+                     "MusicBrainz disc id: Sv9UpVItqOtXkyY9tLAeQABU2Iw-\n");
     auto j = run({"discid", "--lengths", "180.0,240.2,300.5", "--json"});
     EXPECT_EQ(j.out, "{\"cddb\":{\"disc_id\":\"1502D003\",\"query\":\"cddb query 1502D003 3 150 13650 31665 722\","
-                     "\"track_count\":3,\"offsets\":[150,13650,31665],\"disc_seconds\":722}}\n");
+                     "\"track_count\":3,\"offsets\":[150,13650,31665],\"disc_seconds\":722},"
+                     "\"musicbrainz\":{\"disc_id\":\"Sv9UpVItqOtXkyY9tLAeQABU2Iw-\"}}\n");
     auto zero = run({"discid", "--lengths", "180,0,12"});
     EXPECT_EQ(zero.exit_code, 2);
     EXPECT_TRUE(contains(zero.err, "CDDB: Could not build query"));

@@ -1,0 +1,21 @@
+#pragma once
+// The controls of the MusicBrainz dialog template 116, by resource id.
+
+namespace release_dialog_controls {
+
+constexpr int dialog_template = 116;
+
+constexpr int album_list = 1032;  // "Name" / "Value": Title, Artist, Date, Disc
+constexpr int tracks = 1024;    // "No" / "Title" / "Artist"
+constexpr int save_button = 1;
+constexpr int cancel_button = 2;  // also the window's close request
+
+// Rows of the album list, in order.
+enum album_row : std::size_t { title_row = 0, artist_row = 1, date_row = 2, disc_row = 3 };
+constexpr int value_column = 1;
+constexpr int album_columns = 2;
+constexpr int title_column = 1;
+constexpr int artist_column = 2;
+constexpr int track_columns = 3;
+
+} // namespace release_dialog_controls

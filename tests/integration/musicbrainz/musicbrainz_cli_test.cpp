@@ -1,0 +1,141 @@
+// `tessellon musicbrainz` and the MusicBrainz id of `tessellon discid` on real albums made with
+// sox, against the project's local MusicBrainz web service: what ends up in the files, checked
+// with readers that are not ours, and what the service was asked.
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/audio_files.h"
+#include "support/local_server.h"
+#include "support/run_program.h"
+#include "support/temp_folder.h"
+#include "unit/musicbrainz/mb_test_data.h"
+
+using namespace testing_support;
+
+namespace {
+
+using lines = std::vector<std::string>;
+
+const std::string ziggy_disc1 = "pphmFbEaZKk7KDKQ_AKCMVtrjIg-";  // 11 tracks, disc 1 of 2
+const std::string ziggy_disc2 = "cm9L.BbeuJ_zNOwr0C_e.K0.D0E-";  // 12 tracks, disc 2 of 2
+
+struct musicbrainz_cli : ::testing::Test {
+    temp_folder profile{"tessellon-mb-cli"};
+    temp_folder music{"tessellon-mb-album"};
+    local_server server{"tests/servers/musicbrainz_server.py"};
+    mb_testing::scoped_environment service_host{"TESSELLON_MUSICBRAINZ_HOST",
+                                                ("127.0.0.1:" + std::to_string(server.port())).c_str()};
+
+    program_result run(std::vector<std::string> args) {
+        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
+        return run_program(args);
+    }
+    // The untagged album of a disc of the local service, in `format`.
+    std::filesystem::path album(const std::string& disc_id, audio_format format, const std::string& name = "album") {
+        auto folder = music / name;
+        make_album(folder, mb_testing::lengths_of(mb_testing::disc_with_id(disc_id)), format);
+        return folder;
+    }
+    std::size_t requests_for(const std::string& disc_id) const {
+        auto all = server.requests();
+        return static_cast<std::size_t>(std::count_if(all.begin(), all.end(), [&](const std::string& r) {
+            return r.find("/ws/2/discid/" + disc_id) == 0;
+        }));
+    }
+};
+
+bool has(const lines& l, const std::string& line) { return std::find(l.begin(), l.end(), line) != l.end(); }
+
+TEST_F(musicbrainz_cli, write_tags_the_album_and_a_second_run_asks_the_service_nothing) {
+    auto folder = album(ziggy_disc1, audio_format::flac);
+    run_audio_tool({"metaflac", "--set-tag=GENRE=Glam Rock", "--set-tag=COMMENT=mine", (folder / "Track 01.flac").string()});
+    auto first = run({"musicbrainz", folder.string(), "--write"});
+    ASSERT_EQ(first.exit_code, 0) << first.err;
+    EXPECT_EQ(requests_for(ziggy_disc1), 1u);
+
+    const lines track1 = independent_tag_lines(folder / "Track 01.flac");
+    for (const char* line : {"ALBUM=The Rise and Fall of Ziggy Stardust and the Spiders From Mars", "ALBUMARTIST=David Bowie",
+                             "ARTIST=David Bowie", "DATE=2002-07-16", "TITLE=Five Years", "DISCNUMBER=1", "DISCTOTAL=2"})
+        EXPECT_TRUE(has(track1, line)) << line;
+    EXPECT_TRUE(has(independent_tag_lines(folder / "Track 11.flac"), "TITLE=Rock 'n' Roll Suicide"));
+    // Fields the mapping does not name stay as they were.
+    EXPECT_TRUE(has(track1, "GENRE=Glam Rock"));
+    EXPECT_TRUE(has(track1, "COMMENT=mine"));
+
+    auto second = run({"musicbrainz", folder.string(), "--write", "--json"});
+    ASSERT_EQ(second.exit_code, 0) << second.err;
+    EXPECT_EQ(requests_for(ziggy_disc1), 1u);
+    EXPECT_NE(second.out.find("\"disc_id\":\"" + ziggy_disc1 + "\""), std::string::npos) << second.out;
+    EXPECT_NE(second.out.find("\"disc_number\":1,\"total_discs\":2"), std::string::npos) << second.out;
+}
+
+TEST_F(musicbrainz_cli, the_other_disc_of_a_release_comes_from_the_cache) {
+    ASSERT_EQ(run({"musicbrainz", album(ziggy_disc1, audio_format::flac, "disc1").string(), "--write"}).exit_code, 0);
+    auto disc2 = album(ziggy_disc2, audio_format::flac, "disc2");
+    auto r = run({"musicbrainz", disc2.string(), "--write"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(requests_for(ziggy_disc2), 0u);
+    const lines track1 = independent_tag_lines(disc2 / "Track 01.flac");
+    EXPECT_TRUE(has(track1, "DISCNUMBER=2"));
+    EXPECT_TRUE(has(track1, "DISCTOTAL=2"));
+    EXPECT_TRUE(has(track1, "ARTIST=The Arnold Corns"));
+    EXPECT_TRUE(has(track1, "ALBUMARTIST=David Bowie"));
+}
+
+// The dialog road: the edits are typed into the list cells and "Save" writes what they show.
+TEST_F(musicbrainz_cli, edits_go_through_the_dialog_into_the_files) {
+    auto folder = album(ziggy_disc1, audio_format::ogg);
+    auto r = run({"musicbrainz", folder.string(), "--artist", "A;  B", "--date", "1972", "--disc", "2/3",
+                  "--track-title", "2=Soul Love (Live)", "--track-artist", "3=X; Y", "--json"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_NE(r.out.find("\"album_artist\":[\"A\",\"B\"]"), std::string::npos) << r.out;
+    const lines track2 = independent_tag_lines(folder / "Track 02.ogg");
+    for (const char* line : {"TITLE=Soul Love (Live)", "ARTIST=David Bowie", "ALBUMARTIST=A", "ALBUMARTIST=B", "DATE=1972",
+                             "DISCNUMBER=2", "DISCTOTAL=3"})
+        EXPECT_TRUE(has(track2, line)) << line;
+    const lines track3 = independent_tag_lines(folder / "Track 03.ogg");
+    EXPECT_TRUE(has(track3, "ARTIST=X"));
+    EXPECT_TRUE(has(track3, "ARTIST=Y"));
+    EXPECT_TRUE(has(track3, "TITLE=Moonage Daydream"));
+}
+
+TEST_F(musicbrainz_cli, a_disc_text_that_is_not_a_number_writes_nothing) {
+    auto folder = album(ziggy_disc1, audio_format::flac);
+    const lines before = independent_tag_lines(folder / "Track 01.flac");
+    auto r = run({"musicbrainz", folder.string(), "--disc", "one/two"});
+    EXPECT_EQ(r.exit_code, 2);
+    EXPECT_NE(r.err.find("invalid input"), std::string::npos) << r.err;
+    EXPECT_EQ(independent_tag_lines(folder / "Track 01.flac"), before);
+}
+
+TEST_F(musicbrainz_cli, an_unknown_disc_is_reported_and_nothing_is_written) {
+    auto folder = music / "unknown";
+    make_album(folder, {61.0, 62.0, 63.0}, audio_format::flac);
+    const lines before = independent_tag_lines(folder / "Track 01.flac");
+    auto r = run({"musicbrainz", folder.string(), "--write"});
+    EXPECT_NE(r.exit_code, 0);
+    EXPECT_NE(r.err.find("MusicBrainz lookup failed"), std::string::npos) << r.err;
+    EXPECT_EQ(independent_tag_lines(folder / "Track 01.flac"), before);
+}
+
+TEST_F(musicbrainz_cli, discid_prints_the_musicbrainz_id_for_up_to_99_tracks) {
+    auto folder = album(ziggy_disc1, audio_format::flac);
+    auto r = run({"discid", folder.string(), "--json"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_NE(r.out.find("\"musicbrainz\":{\"disc_id\":\"" + ziggy_disc1 + "\"}"), std::string::npos) << r.out;
+
+    std::string lengths;
+    for (int i = 0; i < 100; ++i) lengths += (i ? "," : "") + std::string("30");
+    auto many = run({"discid", "--lengths", lengths, "--json"});
+    ASSERT_EQ(many.exit_code, 0) << many.err;
+    EXPECT_EQ(many.out.find("musicbrainz"), std::string::npos) << many.out;
+    EXPECT_NE(many.err.find("no MusicBrainz disc id for 100 tracks"), std::string::npos) << many.err;
+    EXPECT_NE(many.out.find("\"cddb\""), std::string::npos);
+}
+
+} // namespace
