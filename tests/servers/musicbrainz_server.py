@@ -8,8 +8,9 @@ id gets 400 with its invalid-discid body.
 
 Every request except those to /control is recorded (path and query exactly as received, one
 line each) so that tests can count the requests made for each path; GET /control?counts lists
-them as "<count> <path and query>" lines, and GET /control?last-headers returns the header
-lines of the last recorded request. The server can be told to misbehave (see the faults below)
+them as "<count> <path and query>" lines, GET /control?arrivals lists "<seconds> <path and
+query>" lines in arrival order (seconds on the server's monotonic clock, for checking a client's
+pacing), and GET /control?last-headers returns the header lines of the last recorded request. The server can be told to misbehave (see the faults below)
 at start (--fault) or while it runs (GET /control?fault=...).
 
 With --port 0 it picks a free port; the first line on stdout is always "PORT <n>", so tests
@@ -32,6 +33,9 @@ CONTENT_TYPE = "application/xml; charset=UTF-8"
 FAULTS = """\
 faults (comma-separated; "none" clears):
   http-status:N   answer every lookup with HTTP status N (400..599) and an error body
+  busy:N          answer the next N lookups with 503 Service Unavailable, then as usual
+  retry-after:S   send "Retry-After: S" (seconds) with every 503 answer
+  redirect        answer lookups with 301 to the same target under /moved (served as usual)
   not-found       answer every lookup with 404 and the not-found body, even known ids
   truncate        answer with only the first half of the XML (a complete HTTP answer)
   slow:SECONDS    wait before sending the body (headers go out at once)"""
@@ -43,6 +47,8 @@ INVALID_BODY = (b'<?xml version="1.0"?>\n<error>\n  <text>Invalid discid.</text>
                 b'  <text>For usage, please see: https://musicbrainz.org/development/mmd</text>\n</error>\n')
 
 LOOKUP_PATH = "/ws/2/discid/"
+# Where the redirect fault sends lookups; requests there are answered like lookups.
+MOVED_PREFIX = "/moved"
 DISC_ID = re.compile(r"^[A-Za-z0-9._-]{28}$")
 
 
@@ -60,6 +66,10 @@ def parse_faults(text):
             if not arg.isdigit() or not 400 <= int(arg) <= 599:
                 raise ValueError("http-status must be between 400 and 599")
             faults[name] = int(arg)
+        elif name in ("busy", "retry-after"):
+            if not arg.isdigit():
+                raise ValueError(name + " needs a whole number")
+            faults[name] = int(arg)
         elif name == "slow":
             try:
                 seconds = float(arg)
@@ -68,7 +78,7 @@ def parse_faults(text):
             if seconds < 0:
                 raise ValueError("slow needs seconds")
             faults[name] = seconds
-        elif name in ("not-found", "truncate") and not arg:
+        elif name in ("not-found", "truncate", "redirect") and not arg:
             faults[name] = None
         else:
             raise ValueError("unknown fault: " + item)
@@ -93,15 +103,19 @@ class request_handler(test_server_base.quiet_request_handler):
             return self.control(query)
 
         self.server.record(self.path, str(self.headers))
+        faults = self.server.faults.get()
+        moved = path.startswith(MOVED_PREFIX + LOOKUP_PATH)
+        if moved:
+            path = path[len(MOVED_PREFIX):]
         if not path.startswith(LOOKUP_PATH):
             return self.send_body(404, NOT_FOUND_BODY, {})
+        if "redirect" in faults and not moved:
+            return self.send_redirect(MOVED_PREFIX + self.path)
         disc_id = urllib.parse.unquote(path[len(LOOKUP_PATH):])
-        faults = self.server.faults.get()
+        if self.server.faults.take("busy"):
+            return self.send_error_body(503, faults)
         if "http-status" in faults:
-            code = faults["http-status"]
-            body = ('<?xml version="1.0" encoding="UTF-8"?><error><text>{} forced by the test server'
-                    '</text></error>').format(code).encode()
-            return self.send_body(code, body, faults)
+            return self.send_error_body(faults["http-status"], faults)
         if "not-found" in faults:
             return self.send_body(404, NOT_FOUND_BODY, faults)
         if not DISC_ID.match(disc_id):
@@ -116,6 +130,10 @@ class request_handler(test_server_base.quiet_request_handler):
 
     def control(self, query):
         params = urllib.parse.parse_qs(query, keep_blank_values=True)
+        if "arrivals" in params:
+            lines = ["{:.6f} {}".format(at, target).encode("latin-1")
+                     for at, target in self.server.request_arrivals()]
+            return self.send_text(200, lines)
         if "last-headers" in params:
             headers = self.server.last_request_headers()
             return self.send_text(200, headers.encode("latin-1").splitlines())
@@ -123,7 +141,7 @@ class request_handler(test_server_base.quiet_request_handler):
             lines = ["{} {}".format(n, target).encode("latin-1") for target, n in self.server.request_counts()]
             return self.send_text(200, lines)
         if "fault" not in params:
-            return self.send_text(400, [b"expected fault=..., counts or last-headers"])
+            return self.send_text(400, [b"expected fault=..., counts, arrivals or last-headers"])
         try:
             faults = parse_faults(",".join(params["fault"]))
         except ValueError as e:
@@ -141,10 +159,25 @@ class request_handler(test_server_base.quiet_request_handler):
         self.wfile.write(body)
         self.close_connection = True
 
+    def send_redirect(self, target):
+        self.send_response(301)
+        self.send_header("Location", "http://{}{}".format(self.headers.get("Host", ""), target))
+        self.send_header("Content-Length", "0")
+        self.send_header("Connection", "close")
+        self.end_headers()
+        self.close_connection = True
+
+    def send_error_body(self, code, faults):
+        body = ('<?xml version="1.0" encoding="UTF-8"?><error><text>{} forced by the test server'
+                '</text></error>').format(code).encode()
+        self.send_body(code, body, faults)
+
     def send_body(self, code, body, faults):
         if "truncate" in faults:
             body = body[:len(body) // 2]
         self.send_response(code)
+        if code == 503 and "retry-after" in faults:
+            self.send_header("Retry-After", str(faults["retry-after"]))
         self.send_header("Content-Type", CONTENT_TYPE)
         self.send_header("Content-Length", str(len(body)))
         self.send_header("Connection", "close")

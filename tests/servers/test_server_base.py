@@ -8,6 +8,7 @@ import os
 import signal
 import sys
 import threading
+import time
 
 
 def add_common_arguments(parser):
@@ -34,9 +35,20 @@ class fault_switch:
         with self._lock:
             return dict(self._faults)
 
+    def take(self, name):
+        """Uses up one of a counted fault (such as "busy:2"); True while any was left."""
+        with self._lock:
+            left = self._faults.get(name, 0)
+            if left <= 0:
+                return False
+            self._faults[name] = left - 1
+            return True
+
 
 class recording_http_server(http.server.ThreadingHTTPServer):
-    """Records each request's target (to the log file, and counted) and its headers."""
+    """Records each request's target (to the log file, and counted), its headers and when it
+    arrived (on the server's monotonic clock, so that tests can check a client's pacing by what
+    the server saw rather than by their own clock)."""
 
     daemon_threads = True
     block_on_close = False
@@ -49,11 +61,14 @@ class recording_http_server(http.server.ThreadingHTTPServer):
         self._log = open(options.log, "ab") if options.log else None
         self.last_headers = ""
         self.counts = collections.Counter()
+        self.arrivals = []
 
     def record(self, request_target, headers):
+        arrived = time.monotonic()
         with self._log_lock:
             self.last_headers = headers
             self.counts[request_target] += 1
+            self.arrivals.append((arrived, request_target))
             if self._log:
                 self._log.write(request_target.encode("latin-1") + b"\n")
                 self._log.flush()
@@ -65,6 +80,11 @@ class recording_http_server(http.server.ThreadingHTTPServer):
     def request_counts(self):
         with self._log_lock:
             return sorted(self.counts.items())
+
+    def request_arrivals(self):
+        """(seconds on the monotonic clock, target) of each recorded request, in arrival order."""
+        with self._log_lock:
+            return list(self.arrivals)
 
     def server_close(self):
         super().server_close()

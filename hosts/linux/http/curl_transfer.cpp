@@ -161,6 +161,12 @@ void curl_transfer::end_of_header_block() {
     headers_done_ = true;
 }
 
+long curl_transfer::retry_after_seconds() const {
+    curl_off_t seconds = 0;
+    if (curl_easy_getinfo(easy_, CURLINFO_RETRY_AFTER, &seconds) != CURLE_OK || seconds < 0) return 0;
+    return static_cast<long>(seconds);
+}
+
 void curl_transfer::raise_failure() const {
     if (result_ == CURLE_ABORTED_BY_CALLBACK) throw tunehall_io::exception_aborted();
     const std::string text = error_[0] ? std::string(error_) : std::string(curl_easy_strerror(result_));

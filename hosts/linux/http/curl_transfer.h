@@ -31,6 +31,8 @@ public:
     const std::string& reason() const { return reason_; }
     // The body's declared length, or -1 when the server did not declare one.
     std::int64_t content_length() const { return content_length_; }
+    // The answer's Retry-After in seconds (a date is converted); 0 when it has none.
+    long retry_after_seconds() const;
 
     // Copies up to `size` bytes of the body; 0 only at its end. Bytes that arrived before a
     // failure are delivered first, then the failure is raised as by wait_for_headers.

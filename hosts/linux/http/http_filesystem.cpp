@@ -1,6 +1,7 @@
 #include "http_filesystem.h"
 
 #include <cctype>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -8,8 +9,10 @@
 
 #include <tunehall/exceptions.h>
 
+#include "abortable_wait.h"
 #include "curl_transfer.h"
 #include "http_request_policy.h"
+#include "request_rate_gate.h"
 
 namespace {
 
@@ -56,10 +59,22 @@ public:
     file_ptr open(const char* path, open_mode mode, abort_source& abort) override {
         const std::string url(path);
         if (mode != open_mode::read) throw tunehall_io::exception_io_denied("Cannot write to " + url);
-        auto transfer = std::make_unique<curl_transfer>(url, policy_for_url(url));
-        transfer->wait_for_headers(abort);
-        if (transfer->status() >= 400) raise_http_status(*transfer);
-        return make_service<http_file>(std::move(transfer));
+        const http_request_policy policy = policy_for_url(url);
+        for (int retry = 0;; ++retry) {
+            if (policy.min_interval.count() > 0)
+                request_rate_gate::process_wide().wait_turn(policy.rate_key, policy.min_interval, abort);
+            auto transfer = std::make_unique<curl_transfer>(url, policy);
+            transfer->wait_for_headers(abort);
+            if (transfer->status() == 503 && retry < policy.retries_on_503) {
+                const auto delay = delay_before_retry(policy, retry, transfer->retry_after_seconds());
+                // Close the connection before waiting: a busy server should not hold it for us.
+                transfer.reset();
+                abortable_wait_until(std::chrono::steady_clock::now() + delay, abort);
+                continue;
+            }
+            if (transfer->status() >= 400) raise_http_status(*transfer);
+            return make_service<http_file>(std::move(transfer));
+        }
     }
 
     void create_directory(const char* path, abort_source&) override {
