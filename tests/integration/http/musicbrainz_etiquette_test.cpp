@@ -21,6 +21,7 @@
 
 #include "http/http_filesystem.h"
 #include "http/http_request_policy.h"
+#include "support/failure_of.h"
 #include "support/local_server.h"
 #include "unit/musicbrainz/mb_test_data.h"
 
@@ -61,16 +62,7 @@ std::string fetch(const std::string& url) {
     return fetch(url, abort);
 }
 
-template <typename Exception>
-std::string failure_of(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& e) {
-        return e.what();
-    }
-    ADD_FAILURE() << "no failure of the expected kind";
-    return {};
-}
+using testing_support::failure_of;
 
 std::size_t collect_body(char* data, std::size_t size, std::size_t count, void* out) {
     static_cast<std::string*>(out)->append(data, size * count);

@@ -17,6 +17,7 @@
 
 #include "http/http_filesystem.h"
 #include "musicbrainz/lookup.h"
+#include "support/failure_of.h"
 #include "support/local_server.h"
 #include "support/temp_folder.h"
 #include "support/test_host.h"
@@ -81,16 +82,7 @@ struct answer_folder {
     std::vector<std::string> server_args() const { return {"--answers", folder.path().string()}; }
 };
 
-template <typename Exception>
-std::string failure_of(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& e) {
-        return e.what();
-    }
-    ADD_FAILURE() << "no failure of the expected kind";
-    return {};
-}
+using testing_support::failure_of;
 
 // ---------------------------------------------------------------------------------------------
 
