@@ -1,6 +1,6 @@
 #pragma once
 // The benchmark suites. Each registers pairs named "<group>/<case>/ours" and
-// "<group>/<case>/libcddb", which the peer-ratio reporter sets side by side.
+// "<group>/<case>/<peer>", which the reporters set side by side.
 
 #include <cstdint>
 #include <filesystem>
@@ -34,3 +34,10 @@ private:
     std::filesystem::path cache_dir_;
     cddb_conn_t* connection_ = nullptr;
 };
+
+// MusicBrainz: the response walk against pugixml and libxml2 on one answer and ours alone on
+// answers of growing size; the disc id against libdiscid on the longest disc of `tocs`
+// (musicbrainz/discid-tocs.tsv of the fixtures) and on 99 tracks. Each raises std::exception
+// when a peer and ours disagree, before anything is timed.
+void register_musicbrainz_walk_benchmarks();
+void register_musicbrainz_disc_id_benchmarks(const std::filesystem::path& tocs);
