@@ -1,0 +1,91 @@
+// The whole road under Windows, as a person walks it: the host's menu command on three tracks
+// of its library, the lookup against the project's local CDDB server (scripts/test starts it and
+// names its port in TESSELLON_CDDB_PORT), the tagger dialog, an edit, "&Update files", and the
+// tags in the library's store.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "config/settings.h"
+#include "ui_support.h"
+
+#include <commctrl.h>
+
+using namespace ui_testing;
+
+namespace {
+
+std::vector<std::string> library_of(const std::string& disc_id) {
+    std::vector<std::string> lines;
+    int n = 0;
+    for (double seconds : fixture_disc_lengths(disc_id)) {
+        const std::string number = std::to_string(++n);
+        lines.push_back("C:\\music\\" + disc_id + "\\" + number + ".flac\t" + std::to_string(seconds) + "\ttitle=Track " +
+                        number + "\tcomment=ripped");
+    }
+    return lines;
+}
+
+server_record local_server(const char* port) {
+    server_record r;
+    r.set_server("127.0.0.1");
+    r.set_protocol("http");
+    r.set_port(port);
+    r.set_address("/~cddb/cddb.cgi");
+    r.set_description("Local discora");
+    return r;
+}
+
+std::string first(const tag_record& tags, const char* field) {
+    const char* v = tags.first_value(field);
+    return v ? v : "(none)";
+}
+
+} // namespace
+
+TEST(end_to_end, get_tags_from_discora_then_edit_and_update_files_writes_the_store) {
+    const char* port = std::getenv("TESSELLON_CDDB_PORT");
+    if (!port) GTEST_SKIP() << "TESSELLON_CDDB_PORT not set (scripts/test sets it)";
+    ui_host ui(library_of("12025d03"));
+    winhost::test_host& host = ui.host();
+    save_server_list({local_server(port)});
+
+    host.run_menu_command("Get tags from discora", host.library().tracks());
+    HWND dialog = nullptr;
+    ASSERT_TRUE(host.pump_until([&] { return (dialog = find_window(L"discora tagger")) != nullptr; }))
+        << "no tagger dialog; popups: " << (host.popups().empty() ? "none" : host.popups().front().message);
+    HWND matches = GetDlgItem(dialog, 1011), tracks = GetDlgItem(dialog, 1024);
+    ASSERT_EQ(row_count(matches), 1);
+    EXPECT_EQ(cell(matches, 0, 0), "Ernest Ray Everett - Single CD / Ernest Ray Everett - Single CD (country)");
+    EXPECT_EQ(cell(tracks, 0, 1), "I'm Your Puppet");
+
+    // The entry has no " / ": the user splits artist and album by hand, and renames a track.
+    SetDlgItemTextW(dialog, 1006, L"Ernest Ray Everett");
+    SetDlgItemTextW(dialog, 1007, L"Single CD");
+    focus_row(tracks, 1);
+    SendMessageW(tracks, WM_KEYDOWN, VK_F2, 1);
+    host.pump();
+    HWND editor = cell_editor(tracks);
+    ASSERT_TRUE(editor);
+    SetWindowTextW(editor, L"Me And Jacky (single edit)");
+    SendMessageW(editor, WM_KEYDOWN, VK_RETURN, 1);
+    host.pump();
+    EXPECT_EQ(cell(tracks, 1, 1), "Me And Jacky (single edit)");
+
+    SendMessageW(GetDlgItem(dialog, 1022), BM_CLICK, 0, 0);
+    ASSERT_TRUE(host.pump_until([&] { return !IsWindow(dialog); })) << "the dialog stayed open after the update";
+    EXPECT_TRUE(host.popups().empty()) << host.popups().front().message;
+
+    // What the store holds now, read back from the manifest file itself.
+    winhost::track_library written(ui.manifest());
+    const std::string second = "C:\\music\\12025d03\\2.flac";
+    tag_record tags = written.tags_of(second);
+    EXPECT_EQ(first(tags, "title"), "Me And Jacky (single edit)");
+    EXPECT_EQ(first(tags, "artist"), "Ernest Ray Everett");
+    EXPECT_EQ(first(tags, "album"), "Single CD");
+    EXPECT_EQ(first(tags, "date"), "2009");
+    EXPECT_EQ(first(tags, "genre"), "Country");
+    EXPECT_EQ(first(tags, "tracknumber"), "2");
+    EXPECT_EQ(first(written.tags_of("C:\\music\\12025d03\\1.flac"), "title"), "I'm Your Puppet");
+}

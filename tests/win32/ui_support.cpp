@@ -1,0 +1,240 @@
+#include "ui_support.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include <hostkit/file_util.h>
+#include <hostkit/plain_track.h>
+#include <tunehall/core.h>
+
+#include "host/entry.h"
+#include "host_text.h"
+
+namespace ui_testing {
+
+namespace {
+
+std::filesystem::path fresh_folder() {
+    static std::atomic<int> counter{0};
+    auto folder = std::filesystem::temp_directory_path() /
+                  ("tessellon-ui-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++counter));
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
+LRESULT send(HWND window, UINT message, WPARAM wp = 0, LPARAM lp = 0) { return SendMessageW(window, message, wp, lp); }
+
+void set_key_state(bool shift, bool control) {
+    BYTE keys[256];
+    GetKeyboardState(keys);
+    keys[VK_SHIFT] = keys[VK_LSHIFT] = shift ? 0x80 : 0;
+    keys[VK_CONTROL] = keys[VK_LCONTROL] = control ? 0x80 : 0;
+    SetKeyboardState(keys);
+}
+
+} // namespace
+
+std::filesystem::path fixture(const std::string& relative) {
+    std::string root = TESSELLON_FIXTURES;
+    // The folder is named as the build machine sees it; Wine shows that file system as drive Z.
+    if (!root.empty() && root[0] == '/') root = "Z:" + root;
+    return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
+}
+
+std::vector<double> fixture_disc_lengths(const std::string& disc_id) {
+    std::ifstream in(fixture("xmcd/cddb-discid-tocs.tsv"));
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream fields(line);
+        std::string id, count, offsets, seconds;
+        std::getline(fields, id, '\t');
+        std::getline(fields, count, '\t');
+        std::getline(fields, offsets, '\t');
+        std::getline(fields, seconds, '\t');
+        if (id != disc_id) continue;
+        std::vector<long> starts;
+        std::istringstream numbers(offsets);
+        for (long offset; numbers >> offset;) starts.push_back(offset);
+        starts.push_back(std::stol(seconds) * 75);
+        std::vector<double> lengths;
+        for (std::size_t i = 0; i + 1 < starts.size(); ++i) lengths.push_back(static_cast<double>(starts[i + 1] - starts[i]) / 75.0);
+        return lengths;
+    }
+    throw std::runtime_error("no disc " + disc_id + " in the fixture table of contents");
+}
+
+ui_host::ui_host(const std::vector<std::string>& manifest_lines) : folder_(fresh_folder()), manifest_(folder_ / "library.tsv") {
+    std::ofstream out(manifest_, std::ios::binary);
+    for (const std::string& line : manifest_lines) out << line << "\n";
+    out.close();
+    winhost::test_host_options options;
+    options.profile = folder_ / "profile";
+    options.manifest = manifest_;
+    host_ = std::make_unique<winhost::test_host>(options);
+    host_->attach_component(&tunehall_get_interface, hostkit::path_utf8(folder_ / "sonatag2.dll"));
+}
+
+ui_host::~ui_host() {
+    host_.reset();
+    std::error_code ec;
+    std::filesystem::remove_all(folder_, ec);
+}
+
+service_ref<lookup_state> make_lookup(std::size_t track_count,
+                                      const std::vector<std::pair<std::string, std::vector<match>>>& servers) {
+    track_list tracks;
+    for (std::size_t i = 0; i < track_count; ++i)
+        tracks.push_back(hostkit::make_plain_track("C:\\music\\album\\" + std::to_string(i + 1) + ".flac", 200.0 + static_cast<double>(i)));
+    auto state = make_service<lookup_state>(tracks);
+    for (auto& [label, matches] : servers) {
+        server_result result{label, {}};
+        for (const match& m : matches) {
+            disc_record r;
+            r.set_field(disc_record::category, m.category.c_str());
+            r.set_field(disc_record::discid, "8608460b");
+            r.set_field(disc_record::dtitle, m.dtitle.c_str());
+            r.set_field(disc_record::dyear, m.year.c_str());
+            r.set_field(disc_record::dgenre, m.genre.c_str());
+            r.set_track_count(m.titles.size());
+            for (std::size_t i = 0; i < m.titles.size(); ++i) {
+                r.set_track_field(i, disc_record::ttitle, m.titles[i].c_str());
+                if (i < m.comments.size()) r.set_track_field(i, disc_record::extt, m.comments[i].c_str());
+            }
+            result.records.push_back(std::move(r));
+        }
+        state->results.push_back(std::move(result));
+    }
+    return state;
+}
+
+HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state) {
+    auto factories = all_services<tagger_dialog_factory>();
+    if (factories.empty()) throw std::runtime_error("the component registers no tagger dialog");
+    std::vector<HWND> before = host.open_windows();
+    factories.front()->open(host.main_window(), std::move(state));
+    host.pump();
+    for (HWND w : host.open_windows())
+        if (std::find(before.begin(), before.end(), w) == before.end()) return w;
+    return nullptr;
+}
+
+HWND find_window(const std::wstring& title) {
+    struct search {
+        const std::wstring& title;
+        HWND found = nullptr;
+    } s{title};
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND w, LPARAM lp) -> BOOL {
+            auto* s = reinterpret_cast<search*>(lp);
+            wchar_t text[256] = {};
+            GetWindowTextW(w, text, 256);
+            if (s->title == text) {
+                s->found = w;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&s));
+    return s.found;
+}
+
+std::string text_of(HWND window) {
+    int length = GetWindowTextLengthW(window);
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), length + 1)));
+    return winhost::narrow(text);
+}
+
+std::string item_text(HWND dialog, int id) { return text_of(GetDlgItem(dialog, id)); }
+
+RECT screen_rect(HWND window) {
+    RECT r{};
+    GetWindowRect(window, &r);
+    return r;
+}
+
+int row_count(HWND list) { return static_cast<int>(send(list, LVM_GETITEMCOUNT)); }
+
+std::string cell(HWND list, int row, int column) {
+    wchar_t buffer[1024] = {};
+    LVITEMW it{};
+    it.iSubItem = column;
+    it.pszText = buffer;
+    it.cchTextMax = 1024;
+    send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&it));
+    return winhost::narrow(buffer);
+}
+
+std::optional<int> selected_row(HWND list) {
+    int at = static_cast<int>(send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+    if (at < 0) return std::nullopt;
+    return at;
+}
+
+bool groups_enabled(HWND list) { return send(list, LVM_ISGROUPVIEWENABLED) != 0; }
+
+std::string group_header(HWND list, int group_id) {
+    wchar_t buffer[256] = {};
+    LVGROUP g{};
+    g.cbSize = sizeof g;
+    g.mask = LVGF_HEADER;
+    g.pszHeader = buffer;
+    g.cchHeader = 256;
+    if (send(list, LVM_GETGROUPINFO, static_cast<WPARAM>(group_id), reinterpret_cast<LPARAM>(&g)) < 0) return "(no group)";
+    return winhost::narrow(buffer);
+}
+
+int group_of_row(HWND list, int row) {
+    LVITEMW it{};
+    it.mask = LVIF_GROUPID;
+    it.iItem = row;
+    send(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&it));
+    return it.iGroupId;
+}
+
+void select_row(HWND list, int row) {
+    LVITEMW none{};
+    none.stateMask = LVIS_SELECTED;
+    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
+    LVITEMW chosen{};
+    chosen.stateMask = chosen.state = LVIS_SELECTED | LVIS_FOCUSED;
+    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&chosen));
+}
+
+void focus_row(HWND list, int row) {
+    LVITEMW focused{};
+    focused.stateMask = focused.state = LVIS_FOCUSED;
+    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&focused));
+}
+
+void press_key(HWND target, UINT key, bool shift, bool control) {
+    set_key_state(shift, control);
+    send(target, WM_KEYDOWN, key, 1);
+    send(target, WM_KEYUP, key, 0xC0000001);
+    set_key_state(false, false);
+}
+
+void click_cell(HWND list, int row, int column) {
+    RECT r{};
+    r.top = column;
+    r.left = column == 0 ? LVIR_LABEL : LVIR_BOUNDS;
+    send(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&r));
+    LPARAM at = MAKELPARAM((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+    PostMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    PostMessageW(list, WM_LBUTTONUP, 0, at);
+}
+
+HWND cell_editor(HWND list) {
+    HWND container = FindWindowExW(list, nullptr, L"sonatag2:in_place_editor", nullptr);
+    if (!container) return nullptr;
+    HWND edit = FindWindowExW(container, nullptr, L"Edit", nullptr);
+    return edit ? edit : FindWindowExW(container, nullptr, L"ComboBox", nullptr);
+}
+
+} // namespace ui_testing
