@@ -67,6 +67,14 @@ std::string decode_entities(const char* text, std::size_t length) {
     out.reserve(length);
     std::size_t i = 0;
     while (i < length) {
+        // Plain ASCII between references is copied in one piece.
+        std::size_t plain = i;
+        while (plain < length && static_cast<unsigned char>(text[plain]) < 0x80 && text[plain] != '&') ++plain;
+        if (plain > i) {
+            out.append(text + i, plain - i);
+            i = plain;
+            continue;
+        }
         std::uint32_t code_point;
         std::size_t size = utf8_decode_char(text + i, length - i, code_point);
         if (size == 0) throw error();

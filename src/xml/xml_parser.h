@@ -2,7 +2,9 @@
 // A small reader for trusted web-service answers. It builds no tree: an element is its raw
 // content text plus the namespace declarations and attributes in force, and every lookup
 // re-scans that text. Answers are one disc's releases, so re-scanning costs little and keeps the
-// reader short. Every failure is thrown; a lookup that throws leaves its output untouched.
+// reader short; a caller that asks one answer many things uses element_index.h, which answers
+// the same lookups from one pass. Every failure is thrown; a lookup that throws leaves its output
+// untouched.
 
 #include <atomic>
 #include <cstddef>
