@@ -15,11 +15,20 @@ private:
 } // namespace
 
 void main_queue::post(std::function<void()> work) {
+    wake_hook wake;
     {
         std::lock_guard lock(lock_);
         items_.push_back(std::move(work));
+        wake = wake_hook_;  // a copy: the host may remove its hooks while workers still post
     }
     wake_.notify_all();
+    if (wake) wake();
+}
+
+void main_queue::set_hooks(wait_hook wait, wake_hook wake) {
+    std::lock_guard lock(lock_);
+    wait_hook_ = std::move(wait);
+    wake_hook_ = std::move(wake);
 }
 
 std::size_t main_queue::run_pending() {
@@ -47,6 +56,10 @@ std::size_t main_queue::run_pending() {
 void main_queue::run_until(const std::function<bool()>& done) {
     while (!done()) {
         if (run_pending() > 0) continue;
+        if (wait_hook_) {
+            wait_hook_(std::chrono::milliseconds(50));
+            continue;
+        }
         std::unique_lock lock(lock_);
         wake_.wait_for(lock, std::chrono::milliseconds(50), [this] { return !items_.empty(); });
     }

@@ -38,33 +38,56 @@ void preferences_frame::show_page(const GUID& guid) {
         return RegisterClassExW(&wc) != 0;
     }();
     (void)registered;
-    window_ = CreateWindowExW(WS_EX_DLGMODALFRAME, class_name, (L"Preferences: " + widen(page->get_name())).c_str(),
-                              WS_POPUP | WS_CAPTION | WS_SYSMENU, CW_USEDEFAULT, CW_USEDEFAULT, 560, 560, owner_, nullptr,
-                              GetModuleHandleW(nullptr), this);
+    window_ = CreateWindowExW(WS_EX_DLGMODALFRAME | WS_EX_CONTROLPARENT, class_name,
+                              (L"Preferences: " + widen(page->get_name())).c_str(), WS_POPUP | WS_CAPTION | WS_SYSMENU,
+                              CW_USEDEFAULT, CW_USEDEFAULT, 560, 560, owner_, nullptr, GetModuleHandleW(nullptr), this);
     if (!window_) return;
-    HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
-    RECT client;
-    GetClientRect(window_, &client);
-    const int button_top = client.bottom - 34;
-    const wchar_t* names[] = {L"OK", L"Cancel", L"Apply"};
-    const int ids[] = {ok_id, cancel_id, apply_id};
-    for (int i = 0; i < 3; ++i) {
-        HWND b = CreateWindowExW(0, L"BUTTON", names[i], WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON,
-                                 client.right - 3 * 86 + i * 86 - 6, button_top, 80, 26, window_,
-                                 reinterpret_cast<HMENU>(static_cast<INT_PTR>(ids[i])), nullptr, nullptr);
-        SendMessageW(b, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-    }
     try {
         page_ = page->instantiate(window_, make_service<callback>(*this));
-        if (HWND inner = page_->get_wnd()) {
-            SetWindowPos(inner, nullptr, 8, 8, client.right - 16, button_top - 16, SWP_NOZORDER | SWP_NOACTIVATE);
-            ShowWindow(inner, SW_SHOW);
-        }
     } catch (const std::exception& e) {
         close();
         if (auto popups = try_host_service<popup_message_v3>())
             popups->messageBoxAsync(owner_, e.what(), "Preferences", popup_message_v3::mb_icon_error, {});
         return;
+    }
+    // The window fits the page as its template made it, with the buttons in a row below.
+    constexpr int margin = 8, button_width = 80, button_height = 26, button_gap = 6;
+    SIZE page_size{400, 300};
+    HWND inner = page_->get_wnd();
+    if (inner) {
+        RECT r;
+        GetWindowRect(inner, &r);
+        page_size = {r.right - r.left, r.bottom - r.top};
+    }
+    RECT frame{0, 0, page_size.cx + 2 * margin, page_size.cy + 3 * margin + button_height};
+    AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(window_, GWL_STYLE)), FALSE,
+                       static_cast<DWORD>(GetWindowLongPtrW(window_, GWL_EXSTYLE)));
+    SetWindowPos(window_, nullptr, 0, 0, frame.right - frame.left, frame.bottom - frame.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    RECT client;
+    GetClientRect(window_, &client);
+    if (inner) {
+        SetWindowPos(inner, nullptr, margin, margin, page_size.cx, page_size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+        ShowWindow(inner, SW_SHOW);
+    }
+    HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    const int button_top = client.bottom - margin - button_height;
+    struct button {
+        const wchar_t* name;
+        int id;
+        int left;
+    };
+    const button buttons[] = {
+        {L"Reset", reset_id, margin},
+        {L"OK", ok_id, client.right - margin - 3 * button_width - 2 * button_gap},
+        {L"Cancel", cancel_id, client.right - margin - 2 * button_width - button_gap},
+        {L"Apply", apply_id, client.right - margin - button_width},
+    };
+    for (const button& b : buttons) {
+        HWND made = CreateWindowExW(0, L"BUTTON", b.name, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, b.left,
+                                    button_top, button_width, button_height, window_,
+                                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(b.id)), nullptr, nullptr);
+        SendMessageW(made, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     }
     update_apply();
     ShowWindow(window_, SW_SHOW);
@@ -101,6 +124,10 @@ LRESULT CALLBACK preferences_frame::window_proc(HWND window, UINT message, WPARA
             return 0;
         case cancel_id:
             self->close();
+            return 0;
+        case reset_id:
+            if (self->page_) self->page_->reset();
+            self->update_apply();
             return 0;
         default:
             break;

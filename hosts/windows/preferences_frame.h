@@ -1,5 +1,5 @@
 #pragma once
-// The host's preferences window: shows one component page with OK, Cancel and Apply.
+// The host's preferences window: shows one component page with Reset, OK, Cancel and Apply.
 
 #include <tunehall/preferences_page.h>
 
@@ -17,7 +17,7 @@ public:
     void set_owner(HWND owner) { owner_ = owner; }
 
     static constexpr const wchar_t* class_name = L"tunehall:preferences";
-    static constexpr int ok_id = 1, cancel_id = 2, apply_id = 3;
+    static constexpr int ok_id = 1, cancel_id = 2, apply_id = 3, reset_id = 4;
 
 private:
     class callback;

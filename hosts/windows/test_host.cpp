@@ -5,6 +5,9 @@
 
 #include <tunehall/menu_command.h>
 #include <tunehall/preferences_page.h>
+#include <tunehall/shared.h>
+
+#include "separator_control.h"
 
 #include "host_text.h"
 #include "preferences_frame.h"
@@ -17,6 +20,8 @@ namespace {
 constexpr int tracks_id = 100, log_id = 101;
 constexpr UINT first_command_id = 1000, preferences_command_id = 999;
 constexpr UINT_PTR log_timer = 1;
+// Posted to the main window when work is queued for the main thread: it wakes the message loop.
+constexpr UINT queue_wake_message = WM_APP + 1;
 } // namespace
 
 test_host::test_host(const test_host_options& options) {
@@ -35,7 +40,13 @@ test_host::test_host(const test_host_options& options) {
     kit_ = std::make_unique<hostkit::host>(kit_options);
 
     library_ = std::make_unique<track_library>(options.manifest);
+    RegisterSeparatorClass();  // the player's caption control, named by component templates
     create_main_window(options.show_main_window);
+    // Modal loops of the components (hostkit's run_until) keep this thread's windows alive, and
+    // work posted from a worker wakes a loop that sleeps in the window system.
+    const HWND main = main_window_;
+    kit_->queue().set_hooks([this](std::chrono::milliseconds limit) { wait_for_messages(limit); },
+                            [main] { PostMessageW(main, queue_wake_message, 0, 0); });
     windows_ = make_service<window_manager>(main_window_);
     preferences_ = make_service<preferences_frame>(main_window_);
 
@@ -53,6 +64,7 @@ test_host::~test_host() {
     for (HWND w : open_windows())
         if (IsWindow(w)) SendMessageW(w, WM_CLOSE, 0, 0);
     pump();
+    kit_->queue().set_hooks({}, {});
     kit_.reset();
     progress_.reset();
     if (main_window_) DestroyWindow(main_window_);
@@ -92,18 +104,37 @@ std::vector<HWND> test_host::open_windows() const {
     return out;
 }
 
-void test_host::pump() {
+bool test_host::route_dialog_message(MSG& msg) const {
+    if (windows_ && windows_->route(msg)) return true;
+    // The open modal dialog and the preferences window (with its page) get the dialog keys too.
+    HWND top = msg.hwnd ? GetAncestor(msg.hwnd, GA_ROOT) : nullptr;
+    if (!top) return false;
+    HWND prefs = preferences_ ? preferences_->window() : nullptr;
+    if (top != ModalDialog_Current() && top != prefs) return false;
+    return IsDialogMessageW(top, &msg) != FALSE;
+}
+
+void test_host::dispatch_messages() {
     MSG msg;
     while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
         if (msg.message == WM_QUIT) {
             quit_ = true;
             continue;
         }
-        if (windows_ && windows_->route(msg)) continue;
+        if (route_dialog_message(msg)) continue;
         TranslateMessage(&msg);
         DispatchMessageW(&msg);
     }
-    // The host kit's queue has no way to wake a message loop: it is served on every round.
+}
+
+void test_host::wait_for_messages(std::chrono::milliseconds limit) {
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(limit.count()), QS_ALLINPUT);
+    dispatch_messages();
+}
+
+void test_host::pump() {
+    dispatch_messages();
+    // Work posted before the wake-up message could reach the window is served here as well.
     kit_->queue().run_pending();
 }
 
@@ -113,14 +144,15 @@ bool test_host::pump_until(const std::function<bool()>& done, std::chrono::milli
         pump();
         if (done()) return true;
         if (std::chrono::steady_clock::now() > deadline) return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        // Posted main-thread work wakes this wait through the main window.
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
     }
 }
 
 int test_host::run() {
     while (!quit_ && IsWindow(main_window_)) {
         pump();
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, INFINITE, QS_ALLINPUT);
     }
     return 0;
 }
@@ -203,6 +235,9 @@ LRESULT CALLBACK test_host::main_proc(HWND window, UINT message, WPARAM wp, LPAR
             std::wstring wide = widen(text);
             if (wide.size() != static_cast<std::size_t>(GetWindowTextLengthW(log))) SetWindowTextW(log, wide.c_str());
         }
+        return 0;
+    case queue_wake_message:
+        if (self && self->kit_) self->kit_->queue().run_pending();
         return 0;
     case WM_DESTROY:
         if (self) self->main_window_ = nullptr;

@@ -5,7 +5,8 @@
 // store, console log, threaded process with a progress window, main-thread queue), the
 // asynchronous tag update, the auto-completion source, the modeless-window manager and a
 // preferences window, and runs the component's menu commands on a selection. Its message loop
-// also serves the host kit's main-thread queue.
+// also serves the host kit's main-thread queue, and so does every modal loop of a component:
+// the queue's wait runs this loop's message handling.
 
 #include <chrono>
 #include <filesystem>
@@ -70,6 +71,11 @@ public:
 
 private:
     void create_main_window(bool show);
+    // Takes every waiting window message, giving dialogs their keyboard handling first.
+    void dispatch_messages();
+    bool route_dialog_message(MSG& msg) const;
+    // The main-thread queue's wait inside a component's modal loop.
+    void wait_for_messages(std::chrono::milliseconds limit);
     void fill_main_window();
     static LRESULT CALLBACK main_proc(HWND window, UINT message, WPARAM wp, LPARAM lp);
 

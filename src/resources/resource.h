@@ -3,7 +3,10 @@
 // by the resource script and the Win32 views.
 
 // Dialog templates.
+#define IDD_PREFERENCES 101
 #define IDD_TAGGER 103
+#define IDD_SERVER_EDITOR 104
+#define IDD_MUSICBRAINZ 116
 
 // Icons of the two tagging sources.
 #define IDI_DISCORA 110
@@ -31,3 +34,26 @@
 #define IDC_TAGGER_TRACKS 1024
 #define IDC_TAGGER_SETTINGS 3
 #define IDC_TAGGER_CLOSE 2  // IDCANCEL: Escape and the close box press it too
+
+// Dialog 116, "MusicBrainz Lookup".
+#define IDC_MB_ALBUM_CAPTION 1290
+#define IDC_MB_ALBUM 1032
+#define IDC_MB_TRACKS_CAPTION 1291
+#define IDC_MB_TRACKS 1024
+
+// Dialog 101, the preferences page.
+#define IDC_PREFS_USER_CAPTION 1033
+#define IDC_PREFS_EMAIL 1001
+#define IDC_PREFS_SERVER_CAPTION 1034
+#define IDC_PREFS_SERVERS 1002
+#define IDC_PREFS_ADD 1025
+#define IDC_PREFS_EDIT 1026
+#define IDC_PREFS_REMOVE 1028
+#define IDC_PREFS_RETRIEVE 1030
+
+// Dialog 104, the server editor (OK and Cancel are IDOK and IDCANCEL).
+#define IDC_EDITOR_PROTOCOL 1029
+#define IDC_EDITOR_SERVER 1026
+#define IDC_EDITOR_PORT 1027
+#define IDC_EDITOR_ADDRESS 1028
+#define IDC_EDITOR_DESCRIPTION 1030

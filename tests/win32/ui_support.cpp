@@ -11,6 +11,7 @@
 #include <hostkit/file_util.h>
 #include <hostkit/plain_track.h>
 #include <tunehall/core.h>
+#include <tunehall/shared.h>
 
 #include "host/entry.h"
 #include "host_text.h"
@@ -43,6 +44,12 @@ void set_key_state(bool shift, bool control) {
 std::filesystem::path fixture(const std::string& relative) {
     std::string root = TESSELLON_FIXTURES;
     // The folder is named as the build machine sees it; Wine shows that file system as drive Z.
+    if (!root.empty() && root[0] == '/') root = "Z:" + root;
+    return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
+}
+
+std::filesystem::path source_file(const std::string& relative) {
+    std::string root = TESSELLON_SOURCE_DIR;
     if (!root.empty() && root[0] == '/') root = "Z:" + root;
     return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
 }
@@ -235,6 +242,78 @@ HWND cell_editor(HWND list) {
     if (!container) return nullptr;
     HWND edit = FindWindowExW(container, nullptr, L"Edit", nullptr);
     return edit ? edit : FindWindowExW(container, nullptr, L"ComboBox", nullptr);
+}
+
+void double_click_cell(HWND list, int row, int column) {
+    RECT r{};
+    r.top = column;
+    r.left = column == 0 ? LVIR_LABEL : LVIR_BOUNDS;
+    send(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&r));
+    LPARAM at = MAKELPARAM((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+    PostMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    PostMessageW(list, WM_LBUTTONUP, 0, at);
+    PostMessageW(list, WM_LBUTTONDBLCLK, MK_LBUTTON, at);
+    PostMessageW(list, WM_LBUTTONUP, 0, at);
+}
+
+std::vector<std::string> values_of(const tag_record& tags, const char* name) {
+    std::vector<std::string> out;
+    std::size_t field = tags.find_field(name);
+    if (field == tag_record::npos) return out;
+    for (std::size_t v = 0; v < tags.value_count(field); ++v) out.push_back(tags.value(field, v));
+    return out;
+}
+
+HWND find_thread_window(DWORD thread, const std::function<bool(HWND)>& wanted) {
+    struct search {
+        const std::function<bool(HWND)>& wanted;
+        HWND found = nullptr;
+    } s{wanted};
+    EnumThreadWindows(
+        thread,
+        [](HWND w, LPARAM lp) -> BOOL {
+            auto* s = reinterpret_cast<search*>(lp);
+            if (!s->wanted(w)) return TRUE;
+            s->found = w;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&s));
+    return s.found;
+}
+
+HWND find_thread_window(DWORD thread, const std::wstring& title, HWND owner) {
+    return find_thread_window(thread, [&](HWND w) {
+        wchar_t text[256] = {};
+        GetWindowTextW(w, text, 256);
+        return title == text && IsWindowVisible(w) && (!owner || GetWindow(w, GW_OWNER) == owner);
+    });
+}
+
+std::string message_box_text(HWND box) {
+    // The message is the box's static control with id 0xFFFF.
+    return text_of(GetDlgItem(box, 0xFFFF));
+}
+
+modal_hand::modal_hand(std::function<HWND()> find, std::function<void(HWND)> act, std::chrono::milliseconds limit)
+    : thread_([this, find = std::move(find), act = std::move(act), limit] {
+          const auto deadline = std::chrono::steady_clock::now() + limit;
+          HWND window = nullptr;
+          while (!(window = find()) && std::chrono::steady_clock::now() < deadline)
+              std::this_thread::sleep_for(std::chrono::milliseconds(20));
+          found_ = window != nullptr;
+          act(window);
+          // A failing test must not leave the main thread in a modal loop for ever.
+          if (!window)
+              if (HWND stuck = ModalDialog_Current()) PostMessageW(stuck, WM_CLOSE, 0, 0);
+      }) {}
+
+modal_hand::~modal_hand() {
+    if (thread_.joinable()) thread_.join();
+}
+
+bool modal_hand::join() {
+    if (thread_.joinable()) thread_.join();
+    return found_;
 }
 
 } // namespace ui_testing

@@ -3,7 +3,11 @@
 // shared fixtures, and a user's hands on real windows (keys, clicks, texts, list cells and
 // groups), all through ordinary window messages.
 
+#include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <functional>
+#include <thread>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +21,8 @@ namespace ui_testing {
 
 // A file of the shared fixtures.
 std::filesystem::path fixture(const std::string& relative);
+// A file of this checkout (the project's own test servers' data).
+std::filesystem::path source_file(const std::string& relative);
 // The track lengths (seconds) that lay out fixture disc `disc_id`.
 std::vector<double> fixture_disc_lengths(const std::string& disc_id);
 
@@ -70,5 +76,37 @@ void press_key(HWND target, UINT key, bool shift = false, bool control = false);
 void click_cell(HWND list, int row, int column);
 // The text control of the in-place editor open on `list`, or null.
 HWND cell_editor(HWND list);
+// A left double click in the middle of a list cell (posted: pump to deliver it).
+void double_click_cell(HWND list, int row, int column);
+
+// The values of field `name` (empty when absent).
+std::vector<std::string> values_of(const tag_record& tags, const char* name);
+
+// A top-level window of thread `thread` for which `wanted` holds (null when none).
+HWND find_thread_window(DWORD thread, const std::function<bool(HWND)>& wanted);
+// A top-level window of thread `thread` titled `title`, owned by `owner` when that is given.
+HWND find_thread_window(DWORD thread, const std::wstring& title, HWND owner = nullptr);
+// The text of a message box's message.
+std::string message_box_text(HWND box);
+
+// A second pair of hands for modal windows: the main thread waits inside a modal loop (a
+// dialog, a message box) while this thread finds the window it opened and works it through
+// sent messages, which that loop delivers. `act` gets the window, or null when none turned up
+// in time; whatever modal window is still registered then is closed, so that a failing test
+// ends instead of hanging.
+class modal_hand {
+public:
+    modal_hand(std::function<HWND()> find, std::function<void(HWND)> act,
+               std::chrono::milliseconds limit = std::chrono::seconds(20));
+    ~modal_hand();
+    modal_hand(const modal_hand&) = delete;
+    modal_hand& operator=(const modal_hand&) = delete;
+    // Waits for the hand to finish; true when it found its window.
+    bool join();
+
+private:
+    std::atomic<bool> found_{false};
+    std::thread thread_;
+};
 
 } // namespace ui_testing

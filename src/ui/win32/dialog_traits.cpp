@@ -39,7 +39,24 @@ const std::vector<dialog_traits>& all_traits() {
          true,
          {{IDC_TAGGER_ARTIST, "artist"}, {IDC_TAGGER_ALBUM, "album"}, {IDC_TAGGER_YEAR, "date"}, {IDC_TAGGER_GENRE, "genre"}},
          // Comments may run over several lines; Ctrl+Enter breaks a line there.
-         {{IDC_TAGGER_TRACKS, 1, 0, "title"}, {IDC_TAGGER_TRACKS, 2, in_place::multi_line, "comment"}}},
+         {{IDC_TAGGER_TRACKS, 1, 0, "title"}, {IDC_TAGGER_TRACKS, 2, in_place::multi_line, "comment"}},
+         {},
+         false},
+        // The release's texts: titles and artists suggest from the library while edited.
+        {IDD_MUSICBRAINZ,
+         false,
+         {},
+         0,
+         0,
+         false,
+         {},
+         {{IDC_MB_ALBUM, 1, 0, nullptr}, {IDC_MB_TRACKS, 1, 0, "title"}, {IDC_MB_TRACKS, 2, 0, "artist"}},
+         {},
+         false},
+        // The preferences page: a child of the host's window, its two captions in bold.
+        {IDD_PREFERENCES, false, {}, 0, 0, false, {}, {}, {IDC_PREFS_USER_CAPTION, IDC_PREFS_SERVER_CAPTION}, false},
+        // The server editor is modal: its owner (the preferences window) waits disabled.
+        {IDD_SERVER_EDITOR, true, {}, 0, 0, false, {}, {}, {}, true},
     };
     return traits;
 }
@@ -51,6 +68,6 @@ int dialog_size_grip_id() { return size_grip_id; }
 const dialog_traits& traits_of(int template_id) {
     for (const dialog_traits& t : all_traits())
         if (t.template_id == template_id) return t;
-    static const dialog_traits plain{0, false, {}, 0, 0, false, {}, {}};
+    static const dialog_traits plain{0, false, {}, 0, 0, false, {}, {}, {}, false};
     return plain;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // What the window layer does per dialog template beyond binding its controls: extra frame
 // style, how controls follow a resize, the smallest size, auto-completion of text boxes, and how
-// the in-place editor of each list column behaves.
+// the in-place editor of each list column behaves, caption fonts, and whether the owner is
+// disabled while the dialog is open.
 
 #include <cstdint>
 #include <string>
@@ -29,6 +30,10 @@ struct dialog_traits {
     bool size_grip = false;
     std::vector<auto_complete_field> auto_complete;
     std::vector<cell_editor_setup> cell_editors;
+    // Separator captions drawn in a bold variant of the dialog's font.
+    std::vector<int> caption_fonts;
+    // Modal on Windows: the owner window is disabled from show() until the dialog is destroyed.
+    bool disables_owner = false;
 };
 
 // The control id the view gives the size grip it adds.

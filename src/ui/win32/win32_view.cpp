@@ -60,11 +60,7 @@ win32_view::win32_view(int template_id, HWND parent, dialog_events& events)
 }
 
 win32_view::~win32_view() {
-    editor_.reset();
-    if (window_) {
-        SetWindowLongPtrW(window_, DWLP_USER, 0);
-        DestroyWindow(window_);
-    }
+    destroy();
     if (com_initialised_) CoUninitialize();
 }
 
@@ -107,6 +103,18 @@ void win32_view::initialise() {
         service_ref<library_suggestions> suggestions = host_service<library_suggestions>();
         for (const auto& f : traits_.auto_complete)
             if (HWND edit = GetDlgItem(window_, f.edit)) attach_auto_complete(edit, suggestions->values_of(f.field));
+    }
+    if (!traits_.caption_fonts.empty()) {
+        // The captions stand out from the controls: the dialog's own font, in bold.
+        LOGFONTW face{};
+        auto dialog_font = reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0));
+        if (!dialog_font || !GetObjectW(dialog_font, sizeof face, &face))
+            GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof face, &face);
+        face.lfWeight = FW_BOLD;
+        caption_font_ = CreateFontIndirectW(&face);
+        for (int id : traits_.caption_fonts)
+            if (HWND caption = GetDlgItem(window_, id))
+                SendMessageW(caption, WM_SETFONT, reinterpret_cast<WPARAM>(caption_font_), TRUE);
     }
     remember_layout();
 }
@@ -241,14 +249,36 @@ bool win32_view::is_enabled(int id) const { return IsWindowEnabled(item(id)) != 
 
 void win32_view::enable_window(bool enabled) { EnableWindow(window_, enabled ? TRUE : FALSE); }
 
-void win32_view::show() { ShowWindow(window_, SW_SHOW); }
+void win32_view::show() {
+    if (traits_.disables_owner && !disabled_owner_) {
+        HWND owner = GetWindow(window_, GW_OWNER);
+        if (owner && IsWindowEnabled(owner)) {
+            EnableWindow(owner, FALSE);
+            disabled_owner_ = owner;
+        }
+    }
+    ShowWindow(window_, SW_SHOW);
+}
+
+void win32_view::release_owner() {
+    // Enabled before the dialog goes, so that the system activates the owner, not another window.
+    if (HWND owner = disabled_owner_) {
+        disabled_owner_ = nullptr;
+        if (IsWindow(owner)) EnableWindow(owner, TRUE);
+    }
+}
 
 void win32_view::destroy() {
     editor_.reset();
+    release_owner();
     if (HWND window = window_) {
         SetWindowLongPtrW(window, DWLP_USER, 0);
         window_ = nullptr;
         DestroyWindow(window);
+    }
+    if (caption_font_) {
+        DeleteObject(caption_font_);
+        caption_font_ = nullptr;
     }
 }
 

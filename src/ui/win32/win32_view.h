@@ -69,6 +69,8 @@ private:
     void settle_editor();
     void editor_ended(const std::string& text, int end_code);
 
+    void release_owner();
+
     dialog_events& events_;
     const dialog_traits& traits_;
     HWND window_ = nullptr;
@@ -78,4 +80,6 @@ private:
     std::map<int, RECT> original_places_;  // control id -> client rectangle at creation
     std::unique_ptr<in_place_editor> editor_;
     edit_position editing_{};
+    HFONT caption_font_ = nullptr;  // made for the traits' captions; deleted with the view
+    HWND disabled_owner_ = nullptr;  // the owner this view disabled, to enable again
 };
