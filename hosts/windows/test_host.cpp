@@ -9,6 +9,7 @@
 
 #include "separator_control.h"
 
+#include "dark_mode.h"
 #include "host_text.h"
 #include "preferences_frame.h"
 #include "window_manager.h"
@@ -57,6 +58,8 @@ test_host::test_host(const test_host_options& options) {
     services.add_instance(library_suggestions::class_guid, service_ptr(make_library_suggestions(*library_).get()));
     services.add_instance(modeless_window_manager::class_guid, service_ptr(windows_.get()));
     services.add_instance(preferences_window::class_guid, service_ptr(preferences_.get()));
+    dark_ = make_service<dark_mode>(options.dark_mode);
+    services.add_instance(dark_mode_helper::class_guid, service_ptr(dark_.get()));
 }
 
 test_host::~test_host() {

@@ -28,10 +28,12 @@ struct test_host_options {
     std::filesystem::path manifest;  // the library; empty: none
     bool show_main_window = false;
     bool console_to_stderr = false;
+    bool dark_mode = false;          // component windows attached to the host's dark mode go dark
 };
 
 class window_manager;
 class preferences_frame;
+class dark_mode;
 
 class test_host {
 public:
@@ -53,6 +55,9 @@ public:
     void run_menu_command(const std::string& name, const track_list& selection);
     // The names of every menu command offered, in the host's order.
     std::vector<std::string> menu_command_names() const;
+
+    // The host's dark mode, and which component windows follow it.
+    dark_mode& dark() { return *dark_; }
 
     // Component windows open now (modeless dialogs and the preferences window).
     std::vector<HWND> open_windows() const;
@@ -84,6 +89,7 @@ private:
     std::unique_ptr<track_library> library_;
     service_ref<window_manager> windows_;
     service_ref<preferences_frame> preferences_;
+    service_ref<dark_mode> dark_;
     HWND main_window_ = nullptr;
     bool quit_ = false;
 };

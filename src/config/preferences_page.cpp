@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include <tunehall/core.h>
+#include <tunehall/dark_mode.h>
 #include <tunehall/shared.h>
 
 #include "config/preferences_page_text_width.h"
@@ -52,6 +54,7 @@ public:
 
     ~server_preferences_page() override {
         // Whatever was not applied is dropped with the working list.
+        dark_mode_.reset();
         view_->destroy();
     }
 
@@ -79,6 +82,8 @@ public:
 private:
     void initialise() {
         dialog_view& view = *view_;
+        // The page lives in the host's window and follows its mode, where the host has one.
+        if (auto dark = try_host_service<dark_mode_helper>()) dark_mode_ = dark->attach(view.handle());
         servers_ = load_server_list();
 
         server_record sample;
@@ -201,6 +206,7 @@ private:
 
     HWND parent_;
     service_ref<preferences_page_callback> callback_;
+    service_ref<dark_mode_attachment> dark_mode_;  // held while the page exists
     std::unique_ptr<dialog_view> view_;
     server_list servers_;
     bool changed_ = false;

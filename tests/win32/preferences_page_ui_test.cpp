@@ -17,6 +17,7 @@
 
 #include "config/preferences_page.h"
 #include "config/settings.h"
+#include "dark_mode.h"
 #include "preferences_frame.h"
 #include "ui/headless/dialog_templates.h"
 #include "ui_support.h"
@@ -132,6 +133,14 @@ TEST_F(preferences_window_test, the_page_shows_the_template_the_default_server_a
     click(frame, winhost::preferences_frame::apply_id);
     EXPECT_EQ(cfg_email.get(), "me@example.invalid");
     EXPECT_FALSE(apply_enabled());
+}
+
+TEST_F(preferences_window_test, the_page_follows_the_hosts_dark_mode_while_it_is_open) {
+    open();
+    EXPECT_EQ(ui.host().dark().attached(), std::vector<HWND>{page});
+    click(frame, winhost::preferences_frame::cancel_id);
+    ui.host().pump();
+    EXPECT_TRUE(ui.host().dark().attached().empty());
 }
 
 TEST_F(preferences_window_test, add_then_cancel_changes_nothing_and_the_owner_waits_disabled_meanwhile) {

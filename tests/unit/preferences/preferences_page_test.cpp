@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <tunehall/core_version.h>
+#include <tunehall/dark_mode.h>
 
 #include "preferences_test_fixture.h"
 
@@ -46,6 +47,38 @@ TEST_F(preferences_page_test, opening_with_nothing_stored_shows_the_built_in_ser
     EXPECT_EQ(page.state(), unchanged_state);
     EXPECT_EQ(page.state_changes(), 0);
     EXPECT_EQ(stored_server_blob(), std::nullopt);
+}
+
+// The host's dark mode (a double: its theming is the host's business): which windows are
+// attached now.
+class dark_mode_recorder : public dark_mode_helper {
+public:
+    class attachment : public dark_mode_attachment {
+    public:
+        attachment(dark_mode_recorder& owner, HWND window) : owner_(owner), window_(window) {}
+        ~attachment() override { std::erase(owner_.attached, window_); }
+
+    private:
+        dark_mode_recorder& owner_;
+        HWND window_;
+    };
+    service_ref<dark_mode_attachment> attach(HWND window) override {
+        attached.push_back(window);
+        return make_service<attachment>(*this, window);
+    }
+    std::vector<HWND> attached;
+};
+
+TEST_F(preferences_page_test, the_page_follows_the_hosts_dark_mode_while_it_is_open) {
+    auto dark = make_service<dark_mode_recorder>();
+    host.add_service(dark_mode_helper::class_guid, dark);
+    {
+        open_page page;
+        EXPECT_EQ(dark->attached, std::vector<HWND>{page.view().handle()});
+        EXPECT_EQ(page.state() & 0x10000u, 0x10000u);  // the page says it can be dark
+        page.close();
+        EXPECT_TRUE(dark->attached.empty());
+    }
 }
 
 TEST_F(preferences_page_test, the_email_field_shows_the_current_setting) {
