@@ -4,6 +4,7 @@
 #include <tunehall/popup.h>
 
 #include "host_text.h"
+#include "window_class.h"
 
 namespace winhost {
 
@@ -27,17 +28,7 @@ void preferences_frame::show_page(const GUID& guid) {
     for (auto& p : all_services<preferences_page>())
         if (tunehall::guid_equal(p->get_guid(), guid)) page = p;
     if (!page) return;
-    static const bool registered = [] {
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof wc;
-        wc.lpfnWndProc = &window_proc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
-        wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-        wc.lpszClassName = class_name;
-        return RegisterClassExW(&wc) != 0;
-    }();
-    (void)registered;
+    register_window_class(class_name, &window_proc);
     window_ = CreateWindowExW(WS_EX_DLGMODALFRAME | WS_EX_CONTROLPARENT, class_name,
                               (L"Preferences: " + widen(page->get_name())).c_str(), WS_POPUP | WS_CAPTION | WS_SYSMENU,
                               CW_USEDEFAULT, CW_USEDEFAULT, 560, 560, owner_, nullptr, GetModuleHandleW(nullptr), this);

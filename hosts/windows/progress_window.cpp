@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "host_text.h"
+#include "window_class.h"
 
 namespace winhost {
 
@@ -14,14 +15,7 @@ constexpr UINT msg_set_item = WM_APP + 1;  // lParam: a new std::wstring, freed 
 
 progress_window::progress_window(std::function<void()> cancel, std::function<void()> cancelled_task_ended)
     : cancel_(std::move(cancel)), cancelled_task_ended_(std::move(cancelled_task_ended)) {
-    WNDCLASSEXW wc{};
-    wc.cbSize = sizeof wc;
-    wc.lpfnWndProc = &window_proc;
-    wc.hInstance = GetModuleHandleW(nullptr);
-    wc.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
-    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-    wc.lpszClassName = class_name;
-    RegisterClassExW(&wc);
+    register_window_class(class_name, &window_proc);
 }
 
 progress_window::~progress_window() { close(); }

@@ -12,6 +12,7 @@
 #include "dark_mode.h"
 #include "host_text.h"
 #include "preferences_frame.h"
+#include "window_class.h"
 #include "window_manager.h"
 #include "winhttp_filesystem.h"
 
@@ -161,17 +162,7 @@ int test_host::run() {
 }
 
 void test_host::create_main_window(bool show) {
-    static const bool registered = [] {
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof wc;
-        wc.lpfnWndProc = &main_proc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
-        wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-        wc.lpszClassName = main_class;
-        return RegisterClassExW(&wc) != 0;
-    }();
-    (void)registered;
+    register_window_class(main_class, &main_proc);
     main_window_ = CreateWindowExW(0, main_class, L"Tunehall test host", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
                                    640, 420, nullptr, nullptr, GetModuleHandleW(nullptr), this);
     HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
