@@ -1,12 +1,15 @@
 #include "audio_file.h"
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <type_traits>
+
+#include <sys/stat.h>
 
 #include <taglib/flacfile.h>
 #include <taglib/id3v1tag.h>
+#include <taglib/id3v2framefactory.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
 #include <taglib/mp4file.h>
@@ -15,12 +18,14 @@
 #include <taglib/vorbisfile.h>
 #include <taglib/wavfile.h>
 
-#include <hostkit/file_util.h>
 #include <tunehall/exceptions.h>
+#include <tunehall/text.h>
 
+#include "cached_file_stream.h"
 #include "field_table.h"
 #include "id3v2_tags.h"
 #include "mp4_tags.h"
+#include "taglib_text.h"
 #include "vorbis_comment_tags.h"
 
 using namespace linux_audio;
@@ -39,10 +44,19 @@ constexpr typed_extension typed_extensions[] = {
     {".opus", audio_format::opus}, {".wav", audio_format::wav}, {".m4a", audio_format::mp4},
 };
 
+// The extension of the path's last component as std::filesystem::path::extension() finds it
+// ("" for ".flac" or ".."), without building the paths that it takes.
+std::string_view extension_of(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || name == "..") return {};
+    return name.substr(dot);
+}
+
 std::optional<audio_format> format_of(const std::string& path) {
-    const std::string extension = lower_ascii(hostkit::path_utf8(hostkit::utf8_path(path).extension()));
+    const std::string_view extension = extension_of(path);
     for (const typed_extension& t : typed_extensions)
-        if (t.extension == extension) return t.format;
+        if (tunehall::ascii_iequals(t.extension, extension)) return t.format;
     return std::nullopt;
 }
 
@@ -50,45 +64,62 @@ std::optional<audio_format> format_of(const std::string& path) {
     throw tunehall_io::exception_io_data("Unsupported format or corrupted file: " + path);
 }
 
-void require_regular_file(const std::string& path) {
-    std::error_code ec;
-    const auto status = std::filesystem::status(hostkit::utf8_path(path), ec);
-    if (!std::filesystem::exists(status)) throw tunehall_io::exception_io_not_found("File not found: " + path);
-    if (!std::filesystem::is_regular_file(status)) fail_unreadable(path);
+// The mode of the file at `path`, which must be a regular file: one stat serves this check and
+// the read-only test before saving.
+mode_t regular_file_mode(const std::string& path) {
+    struct stat st {};
+    if (::stat(path.c_str(), &st) != 0) throw tunehall_io::exception_io_not_found("File not found: " + path);
+    if (!S_ISREG(st.st_mode)) fail_unreadable(path);
+    return st.st_mode;
 }
 
-// An opened file of a known format; the format decides which TagLib class it is.
+// A file the user has marked read-only stays unchanged, even for a user (root) whom the system
+// would let write it.
+bool is_marked_read_only(mode_t mode) { return (mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0; }
+
+// An opened file of a known format; the format decides which TagLib class it is. The file reads
+// and writes through `stream`, declared first so that it outlives the file.
 struct opened_file {
     audio_format format;
+    bool marked_read_only;  // by its permissions when it was opened
+    std::unique_ptr<cached_file_stream> stream;
     std::unique_ptr<TagLib::File> file;
 };
 
 template <typename File>
-std::unique_ptr<TagLib::File> open_as(const std::string& path) {
-    return std::make_unique<File>(path.c_str(), true, TagLib::AudioProperties::Accurate);
+void open_as(opened_file& f, const std::string& path) {
+    f.file.reset();
+    f.stream = std::make_unique<cached_file_stream>(path);
+    constexpr auto style = TagLib::AudioProperties::Accurate;
+    // The formats that may carry ID3v2 tags take the frame factory their path constructors use.
+    if constexpr (std::is_constructible_v<File, TagLib::IOStream*, TagLib::ID3v2::FrameFactory*, bool,
+                                          TagLib::AudioProperties::ReadStyle>)
+        f.file = std::make_unique<File>(f.stream.get(), TagLib::ID3v2::FrameFactory::instance(), true, style);
+    else
+        f.file = std::make_unique<File>(f.stream.get(), true, style);
 }
 
 // Opens the file with its audio properties, also for writing tags: TagLib takes almost any
 // bytes for MP3 or WAV, and only finding no audio in them tells that they are none.
 opened_file open_audio_file(const std::string& path) {
-    require_regular_file(path);
+    const mode_t mode = regular_file_mode(path);
     const std::optional<audio_format> format = format_of(path);
     if (!format) fail_unreadable(path);
-    opened_file out{*format, nullptr};
+    opened_file out{*format, is_marked_read_only(mode), nullptr, nullptr};
     switch (*format) {
-    case audio_format::flac: out.file = open_as<TagLib::FLAC::File>(path); break;
-    case audio_format::mp3: out.file = open_as<TagLib::MPEG::File>(path); break;
+    case audio_format::flac: open_as<TagLib::FLAC::File>(out, path); break;
+    case audio_format::mp3: open_as<TagLib::MPEG::File>(out, path); break;
     case audio_format::ogg:
-        out.file = open_as<TagLib::Ogg::Vorbis::File>(path);
+        open_as<TagLib::Ogg::Vorbis::File>(out, path);
         // ".ogg" is also used for Opus streams.
         if (!out.file->isValid()) {
             out.format = audio_format::opus;
-            out.file = open_as<TagLib::Ogg::Opus::File>(path);
+            open_as<TagLib::Ogg::Opus::File>(out, path);
         }
         break;
-    case audio_format::opus: out.file = open_as<TagLib::Ogg::Opus::File>(path); break;
-    case audio_format::wav: out.file = open_as<TagLib::RIFF::WAV::File>(path); break;
-    case audio_format::mp4: out.file = open_as<TagLib::MP4::File>(path); break;
+    case audio_format::opus: open_as<TagLib::Ogg::Opus::File>(out, path); break;
+    case audio_format::wav: open_as<TagLib::RIFF::WAV::File>(out, path); break;
+    case audio_format::mp4: open_as<TagLib::MP4::File>(out, path); break;
     }
     const TagLib::AudioProperties* p = out.file->isValid() ? out.file->audioProperties() : nullptr;
     if (!p || p->sampleRate() <= 0 || p->channels() <= 0) fail_unreadable(path);
@@ -145,7 +176,7 @@ int bits_per_sample_of(const opened_file& f) {
 tag_record read_basic_tag(const TagLib::Tag& tag) {
     tag_record tags;
     auto add = [&tags](const char* name, const TagLib::String& value) {
-        if (!value.isEmpty()) tags.add_tag_value(name, value.to8Bit(true));
+        if (!value.isEmpty()) tags.add_tag_value(name, utf8_of(value));
     };
     add("title", tag.title());
     add("artist", tag.artist());
@@ -187,15 +218,6 @@ tag_record tags_of(const opened_file& f) {
     case audio_format::mp4: return read_mp4(*static_cast<TagLib::MP4::File&>(*f.file).tag());
     }
     return {};
-}
-
-// A file the user has marked read-only stays unchanged, even for a user (root) whom the system
-// would let write it.
-bool is_marked_read_only(const std::string& path) {
-    using std::filesystem::perms;
-    std::error_code ec;
-    const perms p = std::filesystem::status(hostkit::utf8_path(path), ec).permissions();
-    return !ec && (p & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none;
 }
 
 bool save_tags(opened_file& f, const tag_record& tags) {
@@ -253,7 +275,7 @@ track_info read_audio_file(const std::string& path) {
 
 namespace {
 void save_or_raise(opened_file& f, const std::string& path, const tag_record& tags) {
-    if (f.file->readOnly() || is_marked_read_only(path)) throw tunehall_io::exception_io_denied("Access denied: " + path);
+    if (f.file->readOnly() || f.marked_read_only) throw tunehall_io::exception_io_denied("Access denied: " + path);
     if (!save_tags(f, tags)) throw tunehall_io::exception_io("Cannot write tags: " + path);
 }
 } // namespace

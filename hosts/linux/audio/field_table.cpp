@@ -71,17 +71,20 @@ std::string upper_ascii(std::string text) {
     return text;
 }
 
+field_order field_order_of(std::string_view lower_name) { return {table_rank(lower_name), lower_name}; }
+
 tag_record in_table_order(const tag_record& tags) {
-    std::vector<std::size_t> order(tags.field_count());
-    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-    auto key = [&tags](std::size_t i) {
-        std::string name = lower_ascii(tags.field_name(i));
-        return std::make_pair(table_rank(name), name);
-    };
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return key(a) < key(b); });
+    // The lower-case names and the order of each field, worked out once, not per comparison.
+    std::vector<std::string> names;
+    names.reserve(tags.field_count());
+    for (std::size_t i = 0; i < tags.field_count(); ++i) names.push_back(lower_ascii(tags.field_name(i)));
+    std::vector<std::pair<field_order, std::size_t>> order;
+    order.reserve(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) order.emplace_back(field_order_of(names[i]), i);
+    std::stable_sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
 
     tag_record out;
-    for (std::size_t i : order) {
+    for (const auto& [unused, i] : order) {
         if (tags.value_count(i) == 0) continue;
         const std::size_t index = out.set_field(tags.field_name(i).c_str(), tags.value(i, 0));
         for (std::size_t v = 1; v < tags.value_count(i); ++v) out.add_value(index, tags.value(i, v));

@@ -49,8 +49,18 @@ std::string_view host_name_of_mp4_atom(std::string_view atom);
 std::string lower_ascii(std::string text);
 std::string upper_ascii(std::string text);
 
-// `tags` with the table's fields first, in table order, then the others by name: files keep
-// fields in orders of their own (some none at all), and readers should all show one order.
+// Where a field goes in the order readers show: the table's fields first, in table order, then
+// the others by name. Files keep fields in orders of their own (some none at all), and readers
+// should all show one order.
+struct field_order {
+    std::size_t rank;       // in the table; past its end for the others
+    std::string_view name;  // lower case; the caller keeps the text alive
+    bool operator<(const field_order& o) const { return rank != o.rank ? rank < o.rank : name < o.name; }
+};
+// The order of the field called `lower_name` (already in lower case).
+field_order field_order_of(std::string_view lower_name);
+
+// `tags` in the order above. Fields without values are left out.
 tag_record in_table_order(const tag_record& tags);
 
 } // namespace linux_audio

@@ -10,6 +10,7 @@
 #include <taglib/textidentificationframe.h>
 
 #include "field_table.h"
+#include "taglib_text.h"
 
 namespace linux_audio {
 
@@ -20,7 +21,6 @@ using TagLib::ID3v2::Frame;
 using TagLib::ID3v2::TextIdentificationFrame;
 using TagLib::ID3v2::UserTextIdentificationFrame;
 
-std::string utf8(const TagLib::String& s) { return s.to8Bit(true); }
 TagLib::String from_utf8(const std::string& s) { return TagLib::String(s, TagLib::String::UTF8); }
 
 // ID3v2 allows one comment frame per language and description, so the first comment value
@@ -59,7 +59,7 @@ std::string genre_text(const std::string& value) {
     if (digits.empty() || digits.size() > 3 || !std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; }))
         return value;
     const TagLib::String name = TagLib::ID3v1::genre(std::stoi(digits));
-    return name.isEmpty() ? value : utf8(name);
+    return name.isEmpty() ? value : utf8_of(name);
 }
 
 // The frame id a field outside the table is written under: its own name when that is a text
@@ -73,7 +73,7 @@ bool is_text_frame_id(const std::string& name) {
 bool is_field_frame(const Frame* frame) {
     if (dynamic_cast<const TextIdentificationFrame*>(frame)) return true;
     auto* comment = dynamic_cast<const CommentsFrame*>(frame);
-    return comment && comment_position(utf8(comment->description())) != 0;
+    return comment && comment_position(utf8_of(comment->description())) != 0;
 }
 
 void add_text_frame(TagLib::ID3v2::Tag& tag, const std::string& id, const TagLib::StringList& values) {
@@ -106,11 +106,11 @@ tag_record read_id3v2(const TagLib::ID3v2::Tag& tag) {
         if (auto* user = dynamic_cast<const UserTextIdentificationFrame*>(frame)) {
             // The frame's field list starts with its description.
             const TagLib::StringList fields = user->fieldList();
-            const std::string name = utf8(user->description());
-            for (auto it = std::next(fields.begin()); it != fields.end(); ++it) tags.add_tag_value(name.c_str(), utf8(*it));
+            const std::string name = utf8_of(user->description());
+            for (auto it = std::next(fields.begin()); it != fields.end(); ++it) tags.add_tag_value(name.c_str(), utf8_of(*it));
         } else if (auto* text = dynamic_cast<const TextIdentificationFrame*>(frame)) {
             for (const TagLib::String& value : text->fieldList()) {
-                const std::string v = utf8(value);
+                const std::string v = utf8_of(value);
                 if (id == "TRCK" || id == "TPOS") {
                     const number_pair pair = split_pair(v);
                     const bool track = id == "TRCK";
@@ -124,8 +124,8 @@ tag_record read_id3v2(const TagLib::ID3v2::Tag& tag) {
                 }
             }
         } else if (auto* comment = dynamic_cast<const CommentsFrame*>(frame)) {
-            if (const std::size_t n = comment_position(utf8(comment->description())))
-                comments.emplace_back(n, utf8(comment->text()));
+            if (const std::size_t n = comment_position(utf8_of(comment->description())))
+                comments.emplace_back(n, utf8_of(comment->text()));
         }
     }
     // Comments in the order they were written, whatever order the frames are stored in.

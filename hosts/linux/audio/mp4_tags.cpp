@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "field_table.h"
+#include "taglib_text.h"
 
 namespace linux_audio {
 
@@ -23,7 +24,7 @@ TagLib::String from_utf8(const std::string& s) { return TagLib::String(s, TagLib
 // The name part of a free-form key, or nothing for another atom. Table atoms are Latin-1
 // ("\xa9nam"); free-form keys are UTF-8.
 std::optional<std::string> freeform_name(const TagLib::String& key) {
-    const std::string text = key.to8Bit(true);
+    const std::string text = utf8_of(key);
     if (text.compare(0, freeform_marker.size(), freeform_marker) != 0) return std::nullopt;
     const std::size_t colon = text.find(':', freeform_marker.size());
     if (colon == std::string::npos) return std::nullopt;
@@ -77,7 +78,7 @@ tag_record read_mp4(const TagLib::MP4::Tag& tag) {
             if (const std::string_view host = host_name_of_mp4_atom(atom); !host.empty()) field = host;
             else if (const std::optional<std::string> name = freeform_name(key)) field = *name;
             else continue;
-            for (const TagLib::String& value : item.toStringList()) tags.add_tag_value(field.c_str(), value.to8Bit(true));
+            for (const TagLib::String& value : item.toStringList()) tags.add_tag_value(field.c_str(), utf8_of(value));
         }
     }
     return in_table_order(tags);

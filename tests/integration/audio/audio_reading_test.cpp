@@ -12,7 +12,10 @@
 #include "audio/audio_file.h"
 #include "support/audio_files.h"
 #include "support/temp_folder.h"
+#include "tag_fields.h"
 
+using audio_tests::field_list;
+using audio_tests::fields_of;
 using testing_support::audio_format;
 
 namespace {
@@ -156,4 +159,43 @@ TEST(audio_file, missing_file_raises_not_found_naming_it) {
     } catch (const tunehall_io::exception_io_not_found& e) {
         EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
     }
+}
+
+TEST(audio_file, type_is_judged_by_the_extension_of_the_files_own_name) {
+    const struct {
+        const char* path;
+        bool audio;
+    } cases[] = {
+        {"song.flac", true},          {"SONG.FLAC", true},        {"dir/Song.Mp3", true},
+        {"/music/a.b/c.ogg", true},   {"x.opus", true},           {"x.wav", true},
+        {"x.m4a", true},              {"a..flac", true},          {"x.mp4", false},
+        {".flac", false},             {"dir/.flac", false},       {"song.flac.part", false},
+        {"album.flac/cover", false},  {"album.flac/", false},     {"song", false},
+        {"song.", false},             {"..", false},              {"", false},
+    };
+    for (const auto& c : cases) EXPECT_EQ(is_audio_file_name(c.path), c.audio) << '"' << c.path << '"';
+}
+
+TEST(audio_file, vorbis_comments_come_in_table_order_with_text_beyond_ascii_intact) {
+    testing_support::temp_folder folder;
+    const auto path = folder / "other.flac";
+    testing_support::make_audio_file(path, 4410, audio_format::flac);
+    // Written by another program, in an order of its own; the file keeps keys sorted, so each
+    // alias here comes before or after its table name.
+    testing_support::run_audio_tool({"metaflac", "--set-tag=ZEBRA=last", "--set-tag=TITLE=\xe6\x97\xa5\xe6\x9c\xac \xf0\x9f\x8e\xb5",
+                                     "--set-tag=ARRANGER=Zo\xc3\xab", "--set-tag=ARTIST=Sigur R\xc3\xb3s",
+                                     "--set-tag=TRACKTOTAL=9", "--set-tag=TOTALTRACKS=9", "--set-tag=DISCTOTAL=3",
+                                     "--set-tag=TOTALDISCS=2", "--set-tag=MOOD=calm", "--set-tag=COMMENT=one",
+                                     "--set-tag=COMMENT=one", "--set-tag=DESCRIPTION=two", path.string()});
+    // An alias repeating a value adds nothing; one with another value adds it after those of the
+    // key that sorts first. A key repeating its own value keeps both.
+    EXPECT_EQ(fields_of(read_audio_file(path.string()).tags),
+              (field_list{{"title", {"\xe6\x97\xa5\xe6\x9c\xac \xf0\x9f\x8e\xb5"}},
+                          {"artist", {"Sigur R\xc3\xb3s"}},
+                          {"totaltracks", {"9"}},
+                          {"totaldiscs", {"3", "2"}},
+                          {"comment", {"one", "one", "two"}},
+                          {"arranger", {"Zo\xc3\xab"}},
+                          {"mood", {"calm"}},
+                          {"zebra", {"last"}}}));
 }
