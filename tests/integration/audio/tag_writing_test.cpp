@@ -2,6 +2,7 @@
 // vorbiscomment, mutagen-inspect) and then read back through the host.
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -388,6 +389,20 @@ TEST(write_tags, vanished_file_raises_not_found_naming_it) {
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
+namespace {
+
+std::vector<std::pair<std::string, std::string>> without_bitrate(std::vector<std::pair<std::string, std::string>> info) {
+    std::erase_if(info, [](const auto& field) { return field.first == "bitrate"; });
+    return info;
+}
+
+int bitrate_of(const track_info& info) {
+    const char* value = info.info_get("bitrate");
+    return value ? std::atoi(value) : -1;
+}
+
+} // namespace
+
 TEST(write_tags, audio_is_untouched_by_a_rewrite) {
     testing_support::temp_folder folder;
     for (audio_format format : all_formats) {
@@ -398,6 +413,9 @@ TEST(write_tags, audio_is_untouched_by_a_rewrite) {
         write_tags(path.string(), record_of({{"title", {"x"}}}));
         const track_info after = read_audio_file(path.string());
         EXPECT_EQ(after.length, before.length);
-        EXPECT_EQ(after.info, before.info);
+        // TagLib estimates an Ogg stream's bitrate from the file's size, tag pages included, so
+        // a rewrite may move it by one on either side of a rounding; the rest must not move.
+        EXPECT_EQ(without_bitrate(after.info), without_bitrate(before.info));
+        EXPECT_NEAR(bitrate_of(after), bitrate_of(before), 1);
     }
 }
