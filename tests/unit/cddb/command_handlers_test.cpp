@@ -13,6 +13,7 @@
 #include "cddb/read_handler.h"
 #include "cddb/sites_handler.h"
 #include "cddb_test_support.h"
+#include "unit/config/server_record_maker.h"
 
 namespace {
 
@@ -296,13 +297,7 @@ sites_run run_sites(const std::string& answer) {
 
 server_record site(const char* server, const char* protocol, const char* port, const char* address,
                    const char* description) {
-    server_record r;
-    r.set_server(server);
-    r.set_protocol(protocol);
-    r.set_port(port);
-    r.set_address(address);
-    r.set_description(description);
-    return r;
+    return make_server_record(server, protocol, port, address, description);
 }
 
 TEST(sites_answer, example_lines_become_server_records) {

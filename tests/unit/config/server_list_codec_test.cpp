@@ -14,21 +14,11 @@
 
 #include "config/le_bytes.h"
 #include "config/settings.h"
+#include "unit/config/server_record_maker.h"
 
 using namespace std::string_literals;
 
 namespace {
-
-server_record make_record(const char* server, const char* protocol, const char* port, const char* address,
-                          const char* description) {
-    server_record r;
-    r.set_server(server);
-    r.set_protocol(protocol);
-    r.set_port(port);
-    r.set_address(address);
-    r.set_description(description);
-    return r;
-}
 
 server_list builtin_list() {
     server_list list;
@@ -47,9 +37,9 @@ std::string record_blob(std::uint32_t version, const server_record& r) {
            text(r.get_description());
 }
 
-const server_record first = make_record("cddb.example.org", "http", "80", "/~cddb/cddb.cgi", "first");
-const server_record second = make_record("mirror.example.net", "http", "8880", "/cgi-bin/cddb.cgi", "second");
-const server_record third = make_record("old.example.com", "http", "8080", "/cddb/query.cgi", "third");
+const server_record first = make_server_record("cddb.example.org", "http", "80", "/~cddb/cddb.cgi", "first");
+const server_record second = make_server_record("mirror.example.net", "http", "8880", "/cgi-bin/cddb.cgi", "second");
+const server_record third = make_server_record("old.example.com", "http", "8080", "/cddb/query.cgi", "third");
 
 std::string three_records_with_second_version(std::uint32_t second_version) {
     return u32(3) + record_blob(0, first) + record_blob(second_version, second) + record_blob(0, third);
@@ -98,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<load_case>& info) { return std::string(info.param.name); });
 
 TEST(server_list_blob, small_list_has_exact_bytes) {
-    server_list list{make_record("h", "http", "80", "/x", ""), make_record("", "", "", "", "Z\xC3\xBCrich")};
+    server_list list{make_server_record("h", "http", "80", "/x", ""), make_server_record("", "", "", "", "Z\xC3\xBCrich")};
     const std::string expected =
         "\x02\x00\x00\x00"s                                  // two records
         "\x00\x00\x00\x00"s                                  // version 0
@@ -148,13 +138,13 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         round_trip_case{"empty_list", {}},
         round_trip_case{"builtin_list", builtin_list()},
-        round_trip_case{"all_fields_empty", {make_record("", "", "", "", "")}},
+        round_trip_case{"all_fields_empty", {make_server_record("", "", "", "", "")}},
         round_trip_case{"non_ascii_texts",
-                        {make_record("\xE3\x83\x86\xE3\x82\xB9\xE3\x83\x88.example", "http", "80",
+                        {make_server_record("\xE3\x83\x86\xE3\x82\xB9\xE3\x83\x88.example", "http", "80",
                                      "/~c\xC3\xA9" "ddb/cddb.cgi", "Stra\xC3\x9F" "e \xF0\x9F\x8E\xB5")}},
-        round_trip_case{"order_of_many_records_kept", {third, first, second, first, make_record("", "x", "", "", "")}},
+        round_trip_case{"order_of_many_records_kept", {third, first, second, first, make_server_record("", "x", "", "", "")}},
         round_trip_case{"text_longer_than_16_bits",
-                        {make_record("h", "http", "80", "/a", std::string(70000, 'd').c_str())}}),
+                        {make_server_record("h", "http", "80", "/a", std::string(70000, 'd').c_str())}}),
     [](const testing::TestParamInfo<round_trip_case>& info) { return std::string(info.param.name); });
 
 TEST(server_list_blob, lengths_beyond_32_bits_are_refused) {

@@ -24,6 +24,7 @@
 #include "config/preferences_page_guid.h"
 #include "config/settings.h"
 #include "ui/headless/headless_view.h"
+#include "unit/config/server_record_maker.h"
 
 // Failure messages show a record's fields rather than its bytes.
 inline void PrintTo(const server_record& r, std::ostream* os) {
@@ -56,13 +57,7 @@ constexpr std::uint32_t unchanged_state = 0x10008, changed_state = 0x10009;
 
 inline server_record make_server(const char* server, const char* protocol, const char* port, const char* address,
                                  const char* description) {
-    server_record r;
-    r.set_server(server);
-    r.set_protocol(protocol);
-    r.set_port(port);
-    r.set_address(address);
-    r.set_description(description);
-    return r;
+    return make_server_record(server, protocol, port, address, description);
 }
 
 inline server_record builtin_server() {
