@@ -23,6 +23,26 @@ struct winhttp : ::testing::Test {
     }
 };
 
+// Asks the local server to misbehave (or, with "none", to stop) for the tests that follow.
+void set_server_fault(filesystem& fs, const char* fault) {
+    abort_source_dummy abort;
+    std::string url = server_url("x");
+    url = url.substr(0, url.find("/~cddb")) + "/control?fault=" + fault;
+    fs.open(url.c_str(), filesystem::open_mode::read, abort);
+}
+
+// An abort source that counts the questions it is asked and can be told it no longer exists.
+class counting_abort final : public abort_source {
+public:
+    bool is_aborting() const override {
+        ++asked;
+        if (retired) ++asked_after_retiring;
+        return aborting.load();
+    }
+    mutable std::atomic<int> asked{0}, asked_after_retiring{0};
+    std::atomic<bool> retired{false}, aborting{false};
+};
+
 std::string read_byte_by_byte(file& f, abort_source& abort) {
     std::string out;
     char c;
@@ -70,4 +90,38 @@ TEST_F(winhttp, writing_to_a_url_is_refused) {
     EXPECT_THROW(fs->open(server_url("x").c_str(), filesystem::open_mode::write_new, abort), tunehall_io::exception_io_denied);
     EXPECT_TRUE(fs->is_our_path("https://example.invalid/"));
     EXPECT_FALSE(fs->is_our_path("C:\\music\\a.flac"));
+}
+
+TEST_F(winhttp, a_call_s_abort_source_is_not_asked_after_the_call_returned) {
+    // The host may destroy a file later than the task that read it, and the task's abort source
+    // is gone by then.
+    counting_abort abort;
+    file_ptr f = fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
+                          filesystem::open_mode::read, abort);
+    std::string body = read_byte_by_byte(*f, abort);
+    EXPECT_EQ(body.rfind("210 ", 0), 0u) << body.substr(0, 80);
+    abort.retired = true;
+    Sleep(300);  // several of the watcher's polling periods
+    f.reset();
+    EXPECT_EQ(abort.asked_after_retiring.load(), 0);
+}
+
+TEST_F(winhttp, an_abort_ends_a_read_that_waits_for_a_slow_server) {
+    set_server_fault(*fs, "slow:5");
+    struct clear_fault {
+        filesystem& fs;
+        ~clear_fault() { set_server_fault(fs, "none"); }
+    } clear{*fs};
+    counting_abort abort;
+    file_ptr f = fs->open(server_url("cmd=sites&hello=a+b+sonatag2+0.9&proto=6").c_str(),
+                          filesystem::open_mode::read, abort);
+    std::thread user([&] {
+        Sleep(200);
+        abort.aborting = true;
+    });
+    char buffer[64];
+    // The server holds each line back for 5 s; the abort, 200 ms in, ends the wait first.
+    EXPECT_THROW(f->read(buffer, sizeof buffer, abort), tunehall_io::exception_aborted);
+    user.join();
+    EXPECT_GT(abort.asked.load(), 0);
 }
