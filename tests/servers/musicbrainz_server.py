@@ -36,6 +36,7 @@ faults (comma-separated; "none" clears):
   busy:N          answer the next N lookups with 503 Service Unavailable, then as usual
   retry-after:S   send "Retry-After: S" (seconds) with every 503 answer
   redirect        answer lookups with 301 to the same target under /moved (served as usual)
+  redirect-loop   answer every lookup with 301 to itself
   not-found       answer every lookup with 404 and the not-found body, even known ids
   truncate        answer with only the first half of the XML (a complete HTTP answer)
   slow:SECONDS    wait before sending the body (headers go out at once)"""
@@ -78,7 +79,7 @@ def parse_faults(text):
             if seconds < 0:
                 raise ValueError("slow needs seconds")
             faults[name] = seconds
-        elif name in ("not-found", "truncate", "redirect") and not arg:
+        elif name in ("not-found", "truncate", "redirect", "redirect-loop") and not arg:
             faults[name] = None
         else:
             raise ValueError("unknown fault: " + item)
@@ -109,6 +110,8 @@ class request_handler(test_server_base.quiet_request_handler):
             path = path[len(MOVED_PREFIX):]
         if not path.startswith(LOOKUP_PATH):
             return self.send_body(404, NOT_FOUND_BODY, {})
+        if "redirect-loop" in faults:
+            return self.send_redirect(self.path)
         if "redirect" in faults and not moved:
             return self.send_redirect(MOVED_PREFIX + self.path)
         disc_id = urllib.parse.unquote(path[len(LOOKUP_PATH):])

@@ -42,7 +42,8 @@ void set(CURL* easy, CURLoption option, T value) {
 
 } // namespace
 
-curl_transfer::curl_transfer(std::string url, const http_request_policy& policy) : url_(std::move(url)) {
+curl_transfer::curl_transfer(std::string url, const http_request_policy& policy)
+    : url_(std::move(url)), follows_redirects_(policy.follow_redirects) {
     ensure_curl_ready();
     multi_ = curl_multi_init();
     easy_ = curl_easy_init();
@@ -55,7 +56,7 @@ curl_transfer::curl_transfer(std::string url, const http_request_policy& policy)
         set(easy_, CURLOPT_URL, url_.c_str());
         set(easy_, CURLOPT_PROTOCOLS_STR, "http,https");
         set(easy_, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-        set(easy_, CURLOPT_FOLLOWLOCATION, 1L);
+        set(easy_, CURLOPT_FOLLOWLOCATION, follows_redirects_ ? 1L : 0L);
         set(easy_, CURLOPT_MAXREDIRS, policy.max_redirects);
         set(easy_, CURLOPT_USERAGENT, policy.user_agent.c_str());
         set(easy_, CURLOPT_CONNECTTIMEOUT, policy.connect_timeout_seconds);
@@ -154,11 +155,18 @@ void curl_transfer::end_of_header_block() {
     long code = 0;
     curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &code);
     // Interim answers (1xx) and redirects that libcurl is about to follow are not the answer.
-    if (code < 200 || (code >= 300 && code < 400 && location_)) return;
+    if (code < 200 || (follows_redirects_ && code >= 300 && code < 400 && location_)) return;
     status_ = code;
     curl_off_t length = -1;
     if (curl_easy_getinfo(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK) content_length_ = length;
     headers_done_ = true;
+}
+
+std::string curl_transfer::redirect_target() const {
+    if (follows_redirects_ || status_ < 300 || status_ >= 400) return {};
+    char* target = nullptr;
+    if (curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &target) != CURLE_OK || !target) return {};
+    return target;
 }
 
 long curl_transfer::retry_after_seconds() const {

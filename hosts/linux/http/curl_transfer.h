@@ -1,8 +1,8 @@
 #pragma once
 // One HTTP GET on libcurl, driven by the thread that reads it: first the final answer's
-// headers (redirects followed), then the body as it arrives. Nothing runs in the background:
-// the reader waits in libcurl's poll for at most 100 ms at a time, so an abort is seen
-// promptly and a slow server ties up no extra thread.
+// headers (redirects followed unless the policy leaves them to the caller), then the body as
+// it arrives. Nothing runs in the background: the reader waits in libcurl's poll for at most
+// 100 ms at a time, so an abort is seen promptly and a slow server ties up no extra thread.
 
 #include <cstddef>
 #include <cstdint>
@@ -31,6 +31,9 @@ public:
     const std::string& reason() const { return reason_; }
     // The body's declared length, or -1 when the server did not declare one.
     std::int64_t content_length() const { return content_length_; }
+    // Where a redirect answer sends the client (absolute), when the policy left following it to
+    // the caller; empty otherwise.
+    std::string redirect_target() const;
     // The answer's Retry-After in seconds (a date is converted); 0 when it has none.
     long retry_after_seconds() const;
 
@@ -50,6 +53,7 @@ private:
     static int on_progress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t);
 
     std::string url_;
+    bool follows_redirects_;
     CURLM* multi_ = nullptr;
     CURL* easy_ = nullptr;
     char error_[CURL_ERROR_SIZE] = {};

@@ -50,6 +50,24 @@ private:
     throw tunehall_io::exception_io(text);
 }
 
+// One request's answer under its policy: its turn at the rate gate, and busy answers asked again.
+std::unique_ptr<curl_transfer> answer_to(const std::string& url, const http_request_policy& policy, abort_source& abort) {
+    for (int retry = 0;; ++retry) {
+        if (policy.min_interval.count() > 0)
+            request_rate_gate::process_wide().wait_turn(policy.rate_key, policy.min_interval, abort);
+        auto transfer = std::make_unique<curl_transfer>(url, policy);
+        transfer->wait_for_headers(abort);
+        if (transfer->status() == 503 && retry < policy.retries_on_503) {
+            const auto delay = delay_before_retry(policy, retry, transfer->retry_after_seconds());
+            // Close the connection before waiting: a busy server should not hold it for us.
+            transfer.reset();
+            abortable_wait_until(std::chrono::steady_clock::now() + delay, abort);
+            continue;
+        }
+        return transfer;
+    }
+}
+
 class http_filesystem : public filesystem {
 public:
     bool is_our_path(const char* path) override {
@@ -57,23 +75,20 @@ public:
     }
 
     file_ptr open(const char* path, open_mode mode, abort_source& abort) override {
-        const std::string url(path);
+        std::string url(path);
         if (mode != open_mode::read) throw tunehall_io::exception_io_denied("Cannot write to " + url);
-        const http_request_policy policy = policy_for_url(url);
-        for (int retry = 0;; ++retry) {
-            if (policy.min_interval.count() > 0)
-                request_rate_gate::process_wide().wait_turn(policy.rate_key, policy.min_interval, abort);
-            auto transfer = std::make_unique<curl_transfer>(url, policy);
-            transfer->wait_for_headers(abort);
-            if (transfer->status() == 503 && retry < policy.retries_on_503) {
-                const auto delay = delay_before_retry(policy, retry, transfer->retry_after_seconds());
-                // Close the connection before waiting: a busy server should not hold it for us.
-                transfer.reset();
-                abortable_wait_until(std::chrono::steady_clock::now() + delay, abort);
-                continue;
+        for (long hops = 0;; ++hops) {
+            const http_request_policy policy = policy_for_url(url);
+            std::unique_ptr<curl_transfer> transfer = answer_to(url, policy, abort);
+            std::string next = transfer->redirect_target();
+            if (next.empty()) {
+                if (transfer->status() >= 400) raise_http_status(*transfer);
+                return make_service<http_file>(std::move(transfer));
             }
-            if (transfer->status() >= 400) raise_http_status(*transfer);
-            return make_service<http_file>(std::move(transfer));
+            if (hops == policy.max_redirects)
+                throw tunehall_io::exception_io("HTTP request to " + std::string(path) + " failed: more than " +
+                                                std::to_string(policy.max_redirects) + " redirects");
+            url = std::move(next);
         }
     }
 

@@ -76,7 +76,9 @@ http_request_policy policy_for_url(const std::string& url) {
         policy.user_agent += " ( " + std::string(contact) + " )";
         // The service's published limit: on average one request a second per client.
         policy.min_interval = std::chrono::seconds(1);
-        policy.rate_key = target->host + ":" + target->port;
+        // A client's budget, whichever of the service's doors it uses (http and https alike).
+        policy.rate_key = target->host;
+        policy.follow_redirects = false;
         policy.retries_on_503 = 3;
     }
     return policy;

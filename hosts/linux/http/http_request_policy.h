@@ -14,11 +14,14 @@ struct http_request_policy {
     long low_speed_bytes = 1;
     long low_speed_seconds = 60;
     long max_redirects = 10;
+    // False: the caller follows redirects itself, one request at a time, so that each hop
+    // waits its turn at the rate gate (libcurl would follow them unpaced).
+    bool follow_redirects = true;
     // Hosts that are reached directly even when the environment names a proxy.
     std::string no_proxy;
 
-    // The shortest time between the starts of two requests to the host `rate_key` names
-    // ("host:port"), counted over the whole process; zero: no limit.
+    // The shortest time between the starts of two requests to the service `rate_key` names
+    // (its host, whatever the scheme or port), counted over the whole process; zero: no limit.
     std::chrono::milliseconds min_interval{0};
     std::string rate_key;
 

@@ -152,7 +152,7 @@ TEST(musicbrainz_etiquette, one_host_written_two_ways_shares_one_request_budget)
     const http_request_policy secure = policy_for_url("https://musicbrainz.org/ws/2/discid/c");
     EXPECT_FALSE(a.rate_key.empty());
     EXPECT_EQ(a.rate_key, b.rate_key);
-    EXPECT_NE(a.rate_key, secure.rate_key) << "another port is another server";
+    EXPECT_EQ(a.rate_key, secure.rate_key) << "the service limits a client, whichever scheme it uses";
 }
 
 TEST(musicbrainz_etiquette, busy_answers_are_waited_for_longer_each_time_and_retry_after_is_capped) {
@@ -280,6 +280,24 @@ TEST_F(musicbrainz_service, a_redirect_is_followed_and_the_next_hop_is_told_who_
     EXPECT_EQ(server.requests(), (names{lookup_target(dark_disc), "/moved" + lookup_target(dark_disc)}));
     const names headers = server.last_request_headers();
     EXPECT_TRUE(has_line(headers, service_agent)) << testing::PrintToString(headers);
+}
+
+TEST_F(musicbrainz_service, each_hop_of_a_redirect_waits_its_turn) {
+    server.set_fault("redirect");
+
+    EXPECT_EQ(fetch(lookup_url(ziggy_disc)), mb_testing::server_answer(ziggy_disc));
+
+    const std::vector<double> gaps = gaps_between(arrival_times(server));
+    ASSERT_EQ(gaps.size(), 1u);
+    EXPECT_GE(gaps[0], 0.95);
+}
+
+TEST_F(musicbrainz_service, a_redirect_loop_ends_with_an_error_naming_the_url) {
+    server.set_fault("redirect-loop");
+    const std::string url = lookup_url();
+    const std::string text = failure_of<tunehall_io::exception_io>([&] { fetch(url); });
+    EXPECT_TRUE(contains(text, url)) << text;
+    EXPECT_TRUE(contains(text, "redirects")) << text;
 }
 
 // The real service sends http requests on to https: the HTTP library must be able to go there.
