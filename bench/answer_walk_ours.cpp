@@ -1,8 +1,6 @@
 // Our side of the walk benchmark: exactly the reading the lookup does with an answer fresh from
 // the web service, without the cache.
 
-#include <list>
-
 #include "answer_walk.h"
 #include "musicbrainz/response_walk.h"
 #include "xml/xml_parser.h"
@@ -13,12 +11,10 @@ answer_walk_result walk_answer_ours(std::string_view answer, std::string_view di
     std::string_view text = answer;
     xml::prepare_document(text);
     const xml::element metadata = xml::find_child(xml::element(text.data(), text.size()), "metadata");
-    const std::list<xml::element> discs = xml::find_children(metadata, "disc");
+    musicbrainz_answer_walk walk(metadata);
 
     answer_walk_result result;
-    collect_disc_ids(metadata, result.disc_ids);
-    for (const xml::element& disc : discs) collect_disc_ids(disc, result.disc_ids);
-    read_release_candidates(metadata, disc_id, track_count, result.candidates);
-    for (const xml::element& disc : discs) read_release_candidates(disc, disc_id, track_count, result.candidates);
+    walk.collect_disc_ids(result.disc_ids);
+    walk.read_release_candidates(disc_id, track_count, result.candidates);
     return result;
 }

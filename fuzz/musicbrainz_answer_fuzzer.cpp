@@ -175,13 +175,16 @@ void check_release(const musicbrainz_release& release, std::size_t track_count) 
                 "a copied candidate keeps its track texts");
 }
 
-// The walk for one disc id and track count, on "metadata" and then on each "disc", as the lookup
-// runs it; then the choice among what it found.
-void check_walk(const xml::element& metadata, const std::list<xml::element>& discs, const std::string& disc_id,
-                std::size_t track_count, const std::vector<std::string>& listed_ids) {
+// The walk for one disc id and track count, on "metadata" and then on each "disc"; the lookup's
+// walk over one index of the whole answer must find the same. Then the choice among what it found.
+void check_walk(const xml::element& metadata, const std::list<xml::element>& discs, musicbrainz_answer_walk& walk,
+                const std::string& disc_id, std::size_t track_count, const std::vector<std::string>& listed_ids) {
     std::vector<musicbrainz_release> candidates;
     read_release_candidates(metadata, disc_id, track_count, candidates);
     for (const xml::element& disc : discs) read_release_candidates(disc, disc_id, track_count, candidates);
+    std::vector<musicbrainz_release> walked;
+    walk.read_release_candidates(disc_id, track_count, walked);
+    require(walked == candidates, "one index for the whole answer finds the same candidates");
 
     // Each candidate is a medium that lists the disc, and each such listing is among the ids.
     const auto listings = static_cast<std::size_t>(std::count(listed_ids.begin(), listed_ids.end(), disc_id));
@@ -230,6 +233,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::string> ids;
     collect_disc_ids(metadata, ids);
     for (const xml::element& disc : discs) collect_disc_ids(disc, ids);
+    musicbrainz_answer_walk walk(metadata);
+    std::vector<std::string> walked_ids;
+    walk.collect_disc_ids(walked_ids);
+    require(walked_ids == ids, "one index for the whole answer lists the same disc ids");
 
     std::vector<std::string> wanted;
     for (const std::string& id : ids)
@@ -240,6 +247,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (std::find(ids.begin(), ids.end(), unlisted) == ids.end()) wanted.push_back(unlisted);
     if (track_counts.empty()) track_counts.push_back(1);
     for (const std::string& id : wanted)
-        for (std::size_t count : track_counts) check_walk(metadata, discs, id, count, ids);
+        for (std::size_t count : track_counts) check_walk(metadata, discs, walk, id, count, ids);
     return 0;
 }

@@ -29,7 +29,8 @@ enum control : int {
     remove_button = 1028,
     retrieve_button = 1030,
 };
-constexpr int server_column = 0, description_column = 1;
+// The server name is a row's first column, given when the row is added.
+constexpr int description_column = 1;
 // Measured only, to size the description column; no row carries it.
 constexpr const char* description_sample = "Random discora server";
 // Room for the column's padding beside the measured text.

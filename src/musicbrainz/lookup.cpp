@@ -1,7 +1,6 @@
 #include "musicbrainz/lookup.h"
 
 #include <cstring>
-#include <list>
 #include <string>
 #include <vector>
 
@@ -41,10 +40,9 @@ element fetch_metadata(const std::string& disc_id, abort_source& abort) {
 }
 
 // Stores the answer once, under its digest, and points every disc it lists at it.
-void store(musicbrainz_cache& cache, const element& metadata, const std::list<element>& discs) {
+void store(musicbrainz_cache& cache, const element& metadata, musicbrainz_answer_walk& walk) {
     std::vector<std::string> disc_ids;
-    collect_disc_ids(metadata, disc_ids);
-    for (const element& disc : discs) collect_disc_ids(disc, disc_ids);
+    walk.collect_disc_ids(disc_ids);
 
     sha1_hasher hasher;
     hasher.add(metadata.content);
@@ -70,13 +68,10 @@ std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& select
     element metadata;
     const bool from_cache = cached_metadata(cache, disc_id, metadata);
     if (!from_cache) metadata = fetch_metadata(disc_id, abort);
-    // A disc-id answer holds its releases under metadata > disc; a TOC answer directly under
-    // metadata.
-    const std::list<element> discs = ZR::xmlParser::find_children(metadata, "disc");
-    if (!from_cache) store(cache, metadata, discs);
+    musicbrainz_answer_walk walk(metadata);
+    if (!from_cache) store(cache, metadata, walk);
 
     std::vector<musicbrainz_release> candidates;
-    read_release_candidates(metadata, disc_id, tracks.size(), candidates);
-    for (const element& disc : discs) read_release_candidates(disc, disc_id, tracks.size(), candidates);
+    walk.read_release_candidates(disc_id, tracks.size(), candidates);
     return std::make_shared<musicbrainz_release>(choose_release(candidates));
 }

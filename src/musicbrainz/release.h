@@ -8,6 +8,8 @@
 struct musicbrainz_track {
     std::vector<std::string> artist;  // one entry per credited artist, in answer order; may be empty
     std::string title;
+
+    bool operator==(const musicbrainz_track&) const = default;
 };
 
 struct musicbrainz_release {
@@ -17,4 +19,6 @@ struct musicbrainz_release {
     std::string date;                       // as the answer writes it: "1999-05-10", "1999" or empty
     std::uint32_t disc_number = 0;          // the medium's position, from 1
     std::uint32_t total_discs = 0;          // media in the release
+
+    bool operator==(const musicbrainz_release&) const = default;
 };

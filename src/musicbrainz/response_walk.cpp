@@ -1,6 +1,7 @@
 #include "musicbrainz/response_walk.h"
 
 #include <cstring>
+#include <memory>
 #include <optional>
 
 #include "musicbrainz/lookup.h"
@@ -25,14 +26,13 @@ std::string_view attribute(const element_index& index, node n, std::string_view 
 
 std::uint32_t number_in(std::string_view text) { return parse_unsigned(text.data(), text.size()); }
 
-// Calls `visit(index, release, medium_list, medium, discs)` for every medium under the element's
-// releases. A release list that is missing contributes nothing; one that cannot be walked ends
-// the walk (media visited before stay visited).
+// Calls `visit(index, release, medium_list, medium, discs)` for every medium under the releases
+// of `holder`. A release list that is missing contributes nothing; one that cannot be walked
+// ends the walk (media visited before stay visited).
 template <typename Visit>
-void for_each_medium(const element& holder, Visit visit) {
+void for_each_medium(element_index& index, node holder, Visit visit) {
     try {
-        element_index index(holder);
-        for (node release : index.find_children(index.find_child(element_index::root, "release-list"), "release")) {
+        for (node release : index.find_children(index.find_child(holder, "release-list"), "release")) {
             const node medium_list = index.find_child(release, "medium-list");
             for (node medium : index.find_children(medium_list, "medium"))
                 visit(index, release, medium_list, medium,
@@ -86,6 +86,26 @@ musicbrainz_release read_medium(element_index& index, node release, node medium_
     return result;
 }
 
+void collect_ids_under(element_index& index, node holder, std::vector<std::string>& out) {
+    for_each_medium(index, holder, [&out](const element_index& index, node, node, node, const std::vector<node>& discs) {
+        for (node disc : discs) out.emplace_back(attribute(index, disc, "id"));
+    });
+}
+
+void read_candidates_under(element_index& index, node holder, std::string_view disc_id, std::size_t track_count,
+                           std::vector<musicbrainz_release>& out) {
+    for_each_medium(index, holder, [&](element_index& index, node release, node medium_list, node medium,
+                                       const std::vector<node>& discs) {
+        if (!lists_disc(index, discs, disc_id)) return;
+        try {
+            out.push_back(read_medium(index, release, medium_list, medium, track_count));
+        } catch (const ZR::invalid_input&) {
+        } catch (const ZR::overflow&) {
+        }
+    });
+}
+
+
 } // namespace
 
 std::vector<std::string> read_artist_credit(const element& e) {
@@ -94,22 +114,31 @@ std::vector<std::string> read_artist_credit(const element& e) {
 }
 
 void collect_disc_ids(const element& e, std::vector<std::string>& out) {
-    for_each_medium(e, [&out](const element_index& index, node, node, node, const std::vector<node>& discs) {
-        for (node disc : discs) out.emplace_back(attribute(index, disc, "id"));
-    });
+    element_index index(e);
+    collect_ids_under(index, element_index::root, out);
 }
 
 void read_release_candidates(const element& e, std::string_view disc_id, std::size_t track_count,
                              std::vector<musicbrainz_release>& out) {
-    for_each_medium(e, [&](element_index& index, node release, node medium_list, node medium,
-                           const std::vector<node>& discs) {
-        if (!lists_disc(index, discs, disc_id)) return;
-        try {
-            out.push_back(read_medium(index, release, medium_list, medium, track_count));
-        } catch (const ZR::invalid_input&) {
-        } catch (const ZR::overflow&) {
-        }
-    });
+    element_index index(e);
+    read_candidates_under(index, element_index::root, disc_id, track_count, out);
+}
+
+musicbrainz_answer_walk::musicbrainz_answer_walk(const element& metadata)
+    : index_(std::make_unique<element_index>(metadata)) {
+    holders_.push_back(element_index::root);
+    for (node disc : index_->find_children(element_index::root, "disc")) holders_.push_back(disc);
+}
+
+musicbrainz_answer_walk::~musicbrainz_answer_walk() = default;
+
+void musicbrainz_answer_walk::collect_disc_ids(std::vector<std::string>& out) {
+    for (node holder : holders_) collect_ids_under(*index_, holder, out);
+}
+
+void musicbrainz_answer_walk::read_release_candidates(std::string_view disc_id, std::size_t track_count,
+                                                      std::vector<musicbrainz_release>& out) {
+    for (node holder : holders_) read_candidates_under(*index_, holder, disc_id, track_count, out);
 }
 
 const musicbrainz_release& choose_release(const std::vector<musicbrainz_release>& candidates) {

@@ -21,7 +21,8 @@ using mb_testing::metadata_of;
 
 using names = std::vector<std::string>;
 
-// The walk as the lookup runs it: on "metadata", then on each of its "disc" children.
+// The walk on "metadata", then on each of its "disc" children; the lookup's walk over one index
+// of the whole answer must find the same.
 std::vector<musicbrainz_release> candidates_in(const std::string& answer, const std::string& disc_id,
                                                std::size_t track_count) {
     xml::element metadata = metadata_of(answer);
@@ -29,6 +30,9 @@ std::vector<musicbrainz_release> candidates_in(const std::string& answer, const 
     read_release_candidates(metadata, disc_id, track_count, found);
     for (const xml::element& disc : xml::find_children(metadata, "disc"))
         read_release_candidates(disc, disc_id, track_count, found);
+    std::vector<musicbrainz_release> walked;
+    musicbrainz_answer_walk(metadata).read_release_candidates(disc_id, track_count, walked);
+    EXPECT_TRUE(walked == found) << "the whole-answer walk differs for " << disc_id;
     return found;
 }
 
@@ -37,6 +41,9 @@ names disc_ids_in(const std::string& answer) {
     names ids;
     collect_disc_ids(metadata, ids);
     for (const xml::element& disc : xml::find_children(metadata, "disc")) collect_disc_ids(disc, ids);
+    names walked;
+    musicbrainz_answer_walk(metadata).collect_disc_ids(walked);
+    EXPECT_EQ(walked, ids) << "the whole-answer walk differs";
     return ids;
 }
 
