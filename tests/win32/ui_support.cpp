@@ -39,6 +39,15 @@ void set_key_state(bool shift, bool control) {
     SetKeyboardState(keys);
 }
 
+// The middle of a cell, in the list's client coordinates, as a mouse message carries it.
+LPARAM middle_of_cell(HWND list, int row, int column) {
+    RECT r{};
+    r.top = column;
+    r.left = column == 0 ? LVIR_LABEL : LVIR_BOUNDS;
+    send(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&r));
+    return MAKELPARAM((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+}
+
 } // namespace
 
 std::filesystem::path fixture(const std::string& relative) {
@@ -228,11 +237,7 @@ void press_key(HWND target, UINT key, bool shift, bool control) {
 }
 
 void click_cell(HWND list, int row, int column) {
-    RECT r{};
-    r.top = column;
-    r.left = column == 0 ? LVIR_LABEL : LVIR_BOUNDS;
-    send(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&r));
-    LPARAM at = MAKELPARAM((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+    LPARAM at = middle_of_cell(list, row, column);
     PostMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, at);
     PostMessageW(list, WM_LBUTTONUP, 0, at);
 }
@@ -245,13 +250,8 @@ HWND cell_editor(HWND list) {
 }
 
 void double_click_cell(HWND list, int row, int column) {
-    RECT r{};
-    r.top = column;
-    r.left = column == 0 ? LVIR_LABEL : LVIR_BOUNDS;
-    send(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&r));
-    LPARAM at = MAKELPARAM((r.left + r.right) / 2, (r.top + r.bottom) / 2);
-    PostMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, at);
-    PostMessageW(list, WM_LBUTTONUP, 0, at);
+    click_cell(list, row, column);
+    LPARAM at = middle_of_cell(list, row, column);
     PostMessageW(list, WM_LBUTTONDBLCLK, MK_LBUTTON, at);
     PostMessageW(list, WM_LBUTTONUP, 0, at);
 }

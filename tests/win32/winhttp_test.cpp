@@ -21,6 +21,11 @@ struct winhttp : ::testing::Test {
     void SetUp() override {
         if (!std::getenv("TESSELLON_CDDB_PORT")) GTEST_SKIP() << "TESSELLON_CDDB_PORT not set (scripts/test sets it)";
     }
+    // The answer to reading one entry of the server's database.
+    file_ptr open_entry(abort_source& abort) {
+        return fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
+                        filesystem::open_mode::read, abort);
+    }
 };
 
 // Asks the local server to misbehave (or, with "none", to stop) for the tests that follow.
@@ -54,8 +59,7 @@ std::string read_byte_by_byte(file& f, abort_source& abort) {
 
 TEST_F(winhttp, reads_an_answer_byte_by_byte) {
     abort_source_dummy abort;
-    file_ptr f = fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
-                          filesystem::open_mode::read, abort);
+    file_ptr f = open_entry(abort);
     std::string body = read_byte_by_byte(*f, abort);
     EXPECT_EQ(body.rfind("210 misc d50dd30f", 0), 0u) << body.substr(0, 80);
     EXPECT_NE(body.find("DTITLE=Various / Ska Island\r\n"), std::string::npos);
@@ -96,12 +100,11 @@ TEST_F(winhttp, a_call_s_abort_source_is_not_asked_after_the_call_returned) {
     // The host may destroy a file later than the task that read it, and the task's abort source
     // is gone by then.
     counting_abort abort;
-    file_ptr f = fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
-                          filesystem::open_mode::read, abort);
+    file_ptr f = open_entry(abort);
     std::string body = read_byte_by_byte(*f, abort);
     EXPECT_EQ(body.rfind("210 ", 0), 0u) << body.substr(0, 80);
     abort.retired = true;
-    Sleep(300);  // several of the watcher's polling periods
+    Sleep(300);  // time for anything still running in the background to ask
     f.reset();
     EXPECT_EQ(abort.asked_after_retiring.load(), 0);
 }
