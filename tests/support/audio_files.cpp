@@ -28,7 +28,9 @@ std::vector<std::string> lines_of(const std::string& text) {
 
 // The null input at the file's rate, so that "Ns" counts samples of that rate.
 std::vector<std::string> sox_silence(const std::filesystem::path& out, std::uint64_t frames, bool sixteen_bit) {
-    std::vector<std::string> args = {"sox", "-r", std::to_string(sample_rate), "-c", "1", "-n"};
+    // Repeatable (-R) and undithered (-D): otherwise sox dithers with a fresh random seed, and an
+    // Ogg file's pages, and so the length TagLib reads from them, change from run to run.
+    std::vector<std::string> args = {"sox", "-R", "-D", "-r", std::to_string(sample_rate), "-c", "1", "-n"};
     if (sixteen_bit) args.insert(args.end(), {"-b", "16"});
     // An empty comment keeps sox from tagging the file ("Processed by SoX").
     args.insert(args.end(), {"--comment", "", out.string(), "trim", "0", std::to_string(frames) + "s"});
