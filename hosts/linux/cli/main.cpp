@@ -1,5 +1,6 @@
 // tessellon: the Linux host's command line.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -18,7 +19,9 @@ int dispatch(const invocation& inv) {
         std::printf("Tessellon 0.9\n");
         return exit_ok;
     }
-    if (command == "--help" || command == "-h" || command == "help") {
+    // "tessellon tag --help" is a request for help too, not an unknown option of the command.
+    const bool help_asked = std::find(rest.begin(), rest.end(), "--help") != rest.end();
+    if (command == "--help" || command == "-h" || command == "help" || help_asked) {
         std::fputs(help_text, stdout);
         return exit_ok;
     }

@@ -42,6 +42,11 @@ TEST_F(cli, version_help_and_bad_usage) {
     EXPECT_EQ(h.exit_code, 0);
     for (const char* command : {"discid", "cddb query", "cddb read", "cddb sites", "lookup", "servers", "config email", "about"})
         EXPECT_TRUE(contains(h.out, command)) << command;
+    for (const char* command : {"tag", "show", "musicbrainz", "discid", "lookup", "about"}) {
+        auto command_help = run({command, "--help"});
+        EXPECT_EQ(command_help.exit_code, 0) << command << ": " << command_help.err;
+        EXPECT_EQ(command_help.out, h.out) << command;
+    }
     auto bad = run({"frobnicate"});
     EXPECT_EQ(bad.exit_code, 2);
     EXPECT_TRUE(contains(bad.err, "unknown command 'frobnicate'"));
