@@ -98,10 +98,7 @@ void preferences_frame::close() {
 }
 
 LRESULT CALLBACK preferences_frame::window_proc(HWND window, UINT message, WPARAM wp, LPARAM lp) {
-    if (message == WM_NCCREATE)
-        SetWindowLongPtrW(window, GWLP_USERDATA,
-                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lp)->lpCreateParams));
-    auto* self = reinterpret_cast<preferences_frame*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    auto* self = window_owner<preferences_frame>(window, message, lp);
     if (self && message == WM_COMMAND && HIWORD(wp) == BN_CLICKED && reinterpret_cast<HWND>(lp) &&
         GetParent(reinterpret_cast<HWND>(lp)) == window) {
         switch (LOWORD(wp)) {

@@ -84,10 +84,7 @@ void progress_window::close() {
 }
 
 LRESULT CALLBACK progress_window::window_proc(HWND window, UINT message, WPARAM wp, LPARAM lp) {
-    if (message == WM_NCCREATE)
-        SetWindowLongPtrW(window, GWLP_USERDATA,
-                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lp)->lpCreateParams));
-    auto* self = reinterpret_cast<progress_window*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    auto* self = window_owner<progress_window>(window, message, lp);
     switch (message) {
     case msg_set_item: {
         std::unique_ptr<std::wstring> line(reinterpret_cast<std::wstring*>(lp));

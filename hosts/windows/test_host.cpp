@@ -194,10 +194,7 @@ void test_host::fill_main_window() {
 }
 
 LRESULT CALLBACK test_host::main_proc(HWND window, UINT message, WPARAM wp, LPARAM lp) {
-    if (message == WM_NCCREATE)
-        SetWindowLongPtrW(window, GWLP_USERDATA,
-                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lp)->lpCreateParams));
-    auto* self = reinterpret_cast<test_host*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    auto* self = window_owner<test_host>(window, message, lp);
     switch (message) {
     case WM_COMMAND:
         if (self && lp == 0 && LOWORD(wp) >= first_command_id) {

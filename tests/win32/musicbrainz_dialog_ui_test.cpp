@@ -92,13 +92,8 @@ TEST_F(musicbrainz_window, the_dialog_follows_its_template_and_lists_the_release
     for (const control_template& c : t.controls) {
         HWND control = GetDlgItem(dialog, c.id);
         ASSERT_TRUE(control) << c.id;
-        wchar_t name[64] = {};
-        GetClassNameW(control, name, 64);
-        if (c.kind == control_kind::separator) {
-            EXPECT_STREQ(name, L"tunehall:separator") << c.id;
-        }
-        if (c.kind == control_kind::list_view) {
-            EXPECT_STREQ(name, L"SysListView32") << c.id;
+        if (const wchar_t* expected = class_of_kind(c.kind)) {
+            EXPECT_EQ(class_of(control), expected) << c.id;
         }
         if (c.kind != control_kind::list_view) {
             EXPECT_EQ(text_of(control), c.text) << c.id;

@@ -90,13 +90,8 @@ TEST_F(preferences_window_test, the_page_shows_the_template_the_default_server_a
         if (c.id == 0) continue;  // the label has no id
         HWND control = GetDlgItem(page, c.id);
         ASSERT_TRUE(control) << c.id;
-        wchar_t name[64] = {};
-        GetClassNameW(control, name, 64);
-        if (c.kind == control_kind::separator) {
-            EXPECT_STREQ(name, L"tunehall:separator") << c.id;
-        }
-        if (c.kind == control_kind::list_view) {
-            EXPECT_STREQ(name, L"SysListView32") << c.id;
+        if (const wchar_t* expected = class_of_kind(c.kind)) {
+            EXPECT_EQ(class_of(control), expected) << c.id;
         }
         if (c.kind != control_kind::edit && c.kind != control_kind::list_view) {
             EXPECT_EQ(text_of(control), c.text) << c.id;
