@@ -126,18 +126,19 @@ int sites(session&, const option_reader& options) {
 } // namespace
 
 int run_discid(const global_options& globals, const arguments& args) {
-    option_reader options(args, {"--json"}, {"--lengths"});
+    option_reader options(args, {"--json"}, {"--lengths", "--toc", "--data-track"});
     session s(globals);
-    track_list tracks = read_tracks(options);
+    album_input album = read_album(options);
+    const track_list& tracks = album.tracks;
     disc_toc toc = compute_disc_toc(tracks);
     std::string id = format_disc_id(toc.disc_id);
     std::string query_text = cddb_query_text(tracks);
     // A MusicBrainz disc id exists only for 1 to 99 tracks; CDDB has no such limit.
     std::optional<std::string> musicbrainz_id;
-    if (tracks.size() <= 99)
-        musicbrainz_id = compute_musicbrainz_disc_id(tracks);
+    if (album.musicbrainz.size() <= 99)
+        musicbrainz_id = compute_musicbrainz_disc_id(album.musicbrainz);
     else
-        std::fprintf(stderr, "tessellon: no MusicBrainz disc id for %zu tracks (it covers 1 to 99)\n", tracks.size());
+        std::fprintf(stderr, "tessellon: no MusicBrainz disc id for %zu tracks (it covers 1 to 99)\n", album.musicbrainz.size());
     if (options.flag("--json")) {
         json_writer json;
         json.begin_object().key("cddb").begin_object();
@@ -161,7 +162,7 @@ int run_discid(const global_options& globals, const arguments& args) {
 int run_cddb(const global_options& globals, const arguments& args) {
     if (args.empty()) throw usage_error{"usage: tessellon cddb query|read|sites ..."};
     arguments rest(args.begin() + 1, args.end());
-    option_reader options(rest, {"--json"}, {"--server", "--lengths"});
+    option_reader options(rest, {"--json"}, {"--server", "--lengths", "--toc", "--data-track"});
     session s(globals);
     if (args[0] == "query") return query(s, options);
     if (args[0] == "read") return read(s, options);

@@ -59,7 +59,7 @@ lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<look
 }
 
 int run_lookup_command(const global_options& globals, const arguments& args) {
-    option_reader options(args, {"--json"}, {"--lengths"});
+    option_reader options(args, {"--json"}, {"--lengths", "--toc", "--data-track"});
     session s(globals);
     track_list tracks = read_tracks(options);
     service_ref<lookup_state> result;

@@ -101,12 +101,13 @@ bool user_confirms() {
 
 int run_musicbrainz(const global_options& globals, const arguments& args) {
     option_reader options(args, {"--json", "--write"},
-                          {"--lengths", "--title", "--artist", "--date", "--disc", "--track-title", "--track-artist"});
+                          {"--lengths", "--toc", "--data-track", "--title", "--artist", "--date", "--disc", "--track-title", "--track-artist"});
     const bool write_at_once = options.flag("--write");
     if (write_at_once && has_edits(options))
         throw usage_error{"--write takes the release as found; leave it out to correct the release first"};
     session s(globals);
-    track_list tracks = read_tracks(options);
+    // An enhanced disc's id covers its audio tracks only; they are the ones tagged.
+    const track_list tracks = read_album(options).musicbrainz;
     if (tracks.size() > 99)
         throw usage_error{"a MusicBrainz disc id covers 1 to 99 tracks; " + std::to_string(tracks.size()) + " were given"};
     const std::string disc_id = compute_musicbrainz_disc_id(tracks);

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 
-#include "audio/audio_file.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/json_writer.h"
@@ -35,7 +34,8 @@ int run_show(const global_options& globals, const arguments& args) {
     json_writer json;
     json.begin_object().key("tracks").begin_array();
     for (auto& t : tracks) {
-        track_info info = read_audio_file(t->path());
+        track_info info;
+        t->get_info(info);
         if (options.flag("--json")) {
             json.begin_object().key("path").value(t->path());
             json.key("length").value(info.length).key("fields");
