@@ -216,7 +216,8 @@ scanned scan(const std::string& text, const std::string& name) {
             }
         }
         s.kinds.push_back(kind);
-        s.owner.push_back(kind == line_kind::file ? no_track : current);
+        // A TRACK line opens its own track's block.
+        s.owner.push_back(kind == line_kind::file ? no_track : kind == line_kind::track ? sheet.tracks.size() - 1 : current);
     }
     finish_track();
     if (sheet.tracks.empty()) line_error(name, s.lines.size()).fail("no TRACK in the sheet");

@@ -38,6 +38,13 @@ disc_tracks lay_out(const disc_layout& layout) {
     out.pregap = offsets.front() - lead_in;
     out.cddb = lengths(offsets, offsets.size(), layout.leadout);
     out.musicbrainz = out.cddb;
+    // A CDDB id's playing time is the lead-out's whole seconds less the first offset's; the
+    // component divides the frame difference instead, a second less when the lead-out's frame
+    // within its second is below the first offset's. Moving the lead-out within its second (the
+    // last track plays under a second longer; offsets and disc length stay) gives the disc's id.
+    const std::uint32_t first_frame = offsets.front() % 75, leadout_second = layout.leadout / 75 * 75;
+    if (layout.leadout % 75 < first_frame && leadout_second + first_frame > offsets.back())
+        out.cddb.back().seconds = static_cast<double>(leadout_second + first_frame - offsets.back()) / 75.0;
     if (layout.data_track) {
         const std::size_t data = *layout.data_track;
         if (offsets.size() < 2) fail("a disc with a data track needs an audio track too");

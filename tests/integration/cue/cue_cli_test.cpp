@@ -1,0 +1,62 @@
+// An album kept as one audio file and its cue sheet, through the command line: looked up,
+// tagged into the cue sheet, and shown from it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <sstream>
+
+#include "support/audio_files.h"
+#include "support/local_server.h"
+#include "support/run_program.h"
+#include "support/temp_folder.h"
+
+using namespace testing_support;
+
+TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_it_back) {
+    temp_folder profile{"tessellon-cue-cli"}, music{"tessellon-cue-album"};
+    local_server server{"tests/servers/cddb_server.py"};
+    auto run = [&](std::vector<std::string> args) {
+        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
+        return run_program(args);
+    };
+    run({"servers", "add", "127.0.0.1", std::to_string(server.port()), "/~cddb/cddb.cgi", "Local"});
+    run({"servers", "remove", "1"});
+
+    // The fixture disc 12025d03 (3 tracks) as one FLAC file at CD rate and its sheet.
+    const std::vector<double> lengths = fixture_disc_lengths("12025d03");
+    make_audio_file(music / "album.flac", frames_at_44100(std::accumulate(lengths.begin(), lengths.end(), 0.0)),
+                    audio_format::flac);
+    write_file(music / "album.cue",
+               "REM COMMENT \"by hand\"\nCATALOG 0000000000000\nFILE \"album.flac\" WAVE\n"
+               "  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n  TRACK 02 AUDIO\n    INDEX 01 02:39:68\n"
+               "  TRACK 03 AUDIO\n    FLAGS DCP\n    INDEX 01 07:00:32\n");
+    const std::string audio_before = read_file(music / "album.flac");
+
+    auto r = run({"tag", music.path().string(), "--match", "1", "--wipe"});  // the folder stands for its sheet
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(read_file(music / "album.flac"), audio_before);
+    const std::string sheet = read_file(music / "album.cue");
+    for (const char* kept : {"CATALOG 0000000000000", "FLAGS DCP", "INDEX 01 07:00:32"})
+        EXPECT_NE(sheet.find(kept), std::string::npos) << kept << " lost:\n" << sheet;
+
+    r = run({"show", (music / "album.cue").string()});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    std::vector<std::vector<std::string>> tracks;
+    std::istringstream lines(r.out);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("  ", 0) != 0) tracks.emplace_back();
+        else tracks.back().push_back(line.substr(2));
+    }
+    const char* titles[] = {"I'm Your Puppet", "Me And Jacky", "If You Don't Like Country"};
+    ASSERT_EQ(tracks.size(), 3u) << r.out;
+    for (std::size_t t = 0; t < 3; ++t) {
+        std::vector<std::string> expected = {"album=Ernest Ray Everett - Single CD", "artist=Ernest Ray Everett - Single CD",
+                                             "date=2009", "genre=Country", std::string("title=") + titles[t],
+                                             "totaltracks=3", "tracknumber=" + std::to_string(t + 1)};
+        std::sort(expected.begin(), expected.end());
+        std::sort(tracks[t].begin(), tracks[t].end());
+        EXPECT_EQ(tracks[t], expected) << "track " << t + 1;
+    }
+}
