@@ -65,7 +65,7 @@ line_words split_words(const std::string& line) {
 }
 
 // The rest of the line after its first `skip` words, unquoted when it is one quoted word: REM
-// values are often written without quotes ("REM DATE 1998", "REM COMMENT ExactAudioCopy v1.0").
+// values are often written without quotes ("REM DATE 1998", "REM COMMENT ripped by hand").
 std::string rest_after(const std::string& line, std::size_t skip) {
     std::size_t i = 0;
     for (std::size_t w = 0; w < skip; ++w) {

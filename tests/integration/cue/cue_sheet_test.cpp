@@ -13,7 +13,7 @@ namespace {
 
 const char* const sheet =
     "REM GENRE Rock\n"
-    "REM COMMENT \"ExactAudioCopy v1.0\"\n"
+    "REM COMMENT \"ripped by hand\"\n"
     "CATALOG 0000000000000\n"
     "PERFORMER \"Old Band\"\n"
     "TITLE \"Old Album\"\n"
