@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <sstream>
 
@@ -11,6 +12,7 @@
 #include "support/local_server.h"
 #include "support/run_program.h"
 #include "support/temp_folder.h"
+#include "unit/musicbrainz/mb_test_data.h"
 
 using namespace testing_support;
 
@@ -59,4 +61,32 @@ TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_i
         std::sort(tracks[t].begin(), tracks[t].end());
         EXPECT_EQ(tracks[t], expected) << "track " << t + 1;
     }
+}
+
+TEST(cue_cli, musicbrainz_write_puts_the_release_into_the_cue_sheet) {
+    temp_folder profile{"tessellon-cue-mb"}, music{"tessellon-cue-mb-album"};
+    local_server server{"tests/servers/musicbrainz_server.py"};
+    mb_testing::scoped_environment service{"TESSELLON_MUSICBRAINZ_HOST", ("127.0.0.1:" + std::to_string(server.port())).c_str()};
+    // Disc 1 of the local service's Ziggy Stardust release (11 tracks) as one file and its sheet;
+    // 600 samples a second are 8 per CD frame, exact for the host and quick to make.
+    const std::vector<double> lengths = mb_testing::lengths_of(mb_testing::disc_with_id("pphmFbEaZKk7KDKQ_AKCMVtrjIg-"));
+    std::string sheet = "FILE \"album.flac\" WAVE\n";
+    double start = 0;
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        const long frames = std::lround(start * 75);
+        char line[128];
+        std::snprintf(line, sizeof line, "  TRACK %02zu AUDIO\n    INDEX 01 %02ld:%02ld:%02ld\n", i + 1, frames / 4500, frames / 75 % 60, frames % 75);
+        sheet += line;
+        start += lengths[i];
+    }
+    write_file(music / "album.cue", sheet);
+    run_audio_tool({"sox", "-R", "-D", "-r", "600", "-c", "1", "-n", "-b", "16", (music / "album.flac").string(), "trim", "0",
+                    std::to_string(std::lround(start * 75) * 8) + "s"});
+
+    auto r = run_program({TESSELLON_BINARY, "--profile", profile.path().string(), "musicbrainz", (music / "album.cue").string(), "--write"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    const std::string written = read_file(music / "album.cue");
+    for (const char* line : {"TITLE \"The Rise and Fall of Ziggy Stardust and the Spiders From Mars\"", "PERFORMER \"David Bowie\"",
+                             "REM DATE \"2002-07-16\"", "TITLE \"Five Years\"", "TITLE \"Rock 'n' Roll Suicide\""})
+        EXPECT_NE(written.find(line), std::string::npos) << line << " not in\n" << written;
 }
