@@ -42,7 +42,9 @@ int run_show(const global_options& globals, const arguments& args) {
             write_fields_json(json, info.tags);
             json.end_object();
         } else {
-            std::printf("%s (%.3f s)\n%s", t->path(), info.length, fields_text(info.tags).c_str());
+            // The tracks of a cue sheet share its path; their number tells them apart.
+            const std::string name = t->subsong() > 0 ? std::string(t->path()) + " #" + std::to_string(t->subsong()) : t->path();
+            std::printf("%s (%.3f s)\n%s", name.c_str(), info.length, fields_text(info.tags).c_str());
         }
     }
     json.end_array().end_object();
