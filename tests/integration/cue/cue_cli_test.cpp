@@ -90,3 +90,18 @@ TEST(cue_cli, musicbrainz_write_puts_the_release_into_the_cue_sheet) {
                              "REM DATE \"2002-07-16\"", "TITLE \"Five Years\"", "TITLE \"Rock 'n' Roll Suicide\""})
         EXPECT_NE(written.find(line), std::string::npos) << line << " not in\n" << written;
 }
+
+TEST(cue_cli, a_sheet_with_a_file_per_track_lays_the_files_back_to_back) {
+    temp_folder profile{"tessellon-cue-files"}, music{"tessellon-cue-files-album"};
+    // 2, 4 and 6 seconds; track 2's file starts with a 1-second gap (INDEX 00) that belongs to
+    // track 1 on the disc.
+    for (int i = 1; i <= 3; ++i)
+        make_audio_file(music / ("t" + std::to_string(i) + ".flac"), frames_at_44100(2.0 * i), audio_format::flac);
+    write_file(music / "album.cue",
+               "FILE \"t1.flac\" WAVE\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n"
+               "FILE \"t2.flac\" WAVE\n  TRACK 02 AUDIO\n    INDEX 00 00:00:00\n    INDEX 01 00:01:00\n"
+               "FILE \"t3.flac\" WAVE\n  TRACK 03 AUDIO\n    INDEX 01 00:00:00\n");
+    auto r = run_program({TESSELLON_BINARY, "--profile", profile.path().string(), "discid", (music / "album.cue").string(), "--json"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_NE(r.out.find("\"offsets\":[150,375,600],\"disc_seconds\":14"), std::string::npos) << r.out;
+}
