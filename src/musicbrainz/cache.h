@@ -2,7 +2,8 @@
 // The on-disk cache of web-service answers, folder "mb-cache" in the profile. "disc-<id>" holds
 // the SHA-1 (40 lower-case hex digits) of an answer's content; "result-<that hex>" holds the
 // content. Every disc an answer mentions points at the same result, so one request serves every
-// disc of the releases it lists. Entries never expire.
+// disc of the releases it lists. "toc-<id>" points at an answer to a request by the disc's TOC
+// (the service did not know the id); it never stands in for "disc-<id>". Entries never expire.
 
 #include <cstddef>
 #include <string>

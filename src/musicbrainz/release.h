@@ -19,6 +19,8 @@ struct musicbrainz_release {
     std::string date;                       // as the answer writes it: "1999-05-10", "1999" or empty
     std::uint32_t disc_number = 0;          // the medium's position, from 1
     std::uint32_t total_discs = 0;          // media in the release
+    // The service did not know the disc id; the medium was the closest by its track lengths.
+    bool matched_by_toc = false;
 
     bool operator==(const musicbrainz_release&) const = default;
 };

@@ -44,6 +44,8 @@ private:
     // Destroys the window and this object; `report` tells the caller that nothing was written.
     void finish(bool report = true);
     table_edit_helper* cells_of(int list);
+    // The editor for a cell of `row`, or null when the row is not edited.
+    table_edit_helper* editor_for(int list, std::size_t row);
 
     void on_command(int id) override;
     void on_list_click(int id, std::size_t row, int column, bool double_click) override;
@@ -74,6 +76,7 @@ musicbrainz_release release_from_lists(const dialog_view& view, const musicbrain
     r.album_artist = split_artists(view.list_get_cell(album_list, artist_row, value_column));
     r.date = view.list_get_cell(album_list, date_row, value_column);
     read_disc_text(view.list_get_cell(album_list, disc_row, value_column), r);
+    r.matched_by_toc = view.list_row_count(album_list) > match_row;
     const std::size_t rows = view.list_row_count(tracks);
     r.tracks.resize(rows);
     for (std::size_t i = 0; i < rows; ++i) {
@@ -104,6 +107,10 @@ void release_dialog::fill() {
     for (auto& [name, value] : album_rows) {
         std::size_t row = view.list_add_row(album_list, name);
         view.list_set_cell(album_list, row, value_column, value);
+    }
+    if (r.matched_by_toc) {
+        std::size_t row = view.list_add_row(album_list, match_row_name);
+        view.list_set_cell(album_list, row, value_column, match_by_toc_text);
     }
 
     view.list_add_column(tracks, "No", 50, dialog_view::align::left);
@@ -148,6 +155,11 @@ void release_dialog::finish(bool report) {
     if (done && report) done->on_done(false);
 }
 
+table_edit_helper* release_dialog::editor_for(int list, std::size_t row) {
+    if (list == album_list && row > disc_row) return nullptr;  // the match row only informs
+    return cells_of(list);
+}
+
 table_edit_helper* release_dialog::cells_of(int list) {
     if (list == album_list) return &*album_cells_;
     if (list == tracks) return &*track_cells_;
@@ -162,14 +174,14 @@ void release_dialog::on_command(int id) {
 
 void release_dialog::on_list_click(int id, std::size_t row, int column, bool double_click) {
     if (!double_click) return;
-    if (table_edit_helper* cells = cells_of(id)) cells->start(row, column);
+    if (table_edit_helper* cells = editor_for(id, row)) cells->start(row, column);
 }
 
 void release_dialog::on_list_key(int id, unsigned key, bool shift) {
-    table_edit_helper* cells = cells_of(id);
-    if (!cells || key != dialog_view::key_f2) return;
+    if (key != dialog_view::key_f2) return;
     if (std::optional<std::size_t> row = view_->list_focus(id))
-        cells->start(*row, id == tracks && shift ? artist_column : title_column);
+        if (table_edit_helper* cells = editor_for(id, *row))
+            cells->start(*row, id == tracks && shift ? artist_column : title_column);
 }
 
 void release_dialog::on_cell_edit_end(int id, std::size_t row, int column, const std::string& text, int end_code) {

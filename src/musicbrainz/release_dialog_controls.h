@@ -5,13 +5,16 @@ namespace release_dialog_controls {
 
 constexpr int dialog_template = 116;
 
-constexpr int album_list = 1032;  // "Name" / "Value": Title, Artist, Date, Disc
+constexpr int album_list = 1032;  // "Name" / "Value": Title, Artist, Date, Disc (, Match)
 constexpr int tracks = 1024;    // "No" / "Title" / "Artist"
 constexpr int save_button = 1;
 constexpr int cancel_button = 2;  // also the window's close request
 
-// Rows of the album list, in order.
-enum album_row : std::size_t { title_row = 0, artist_row = 1, date_row = 2, disc_row = 3 };
+// Rows of the album list, in order. The match row is there only for a release matched by its
+// table of contents, to tell the user it is a guess; it is not edited and not written.
+enum album_row : std::size_t { title_row = 0, artist_row = 1, date_row = 2, disc_row = 3, match_row = 4 };
+constexpr const char* match_row_name = "Match";
+constexpr const char* match_by_toc_text = "by table of contents (the disc id is unknown)";
 constexpr int value_column = 1;
 constexpr int album_columns = 2;
 constexpr int title_column = 1;

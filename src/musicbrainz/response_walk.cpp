@@ -58,10 +58,18 @@ std::vector<std::string> read_artist_credit(element_index& index, node n) {
     return artists;
 }
 
+// A track's length in milliseconds: its own, else its recording's; 0 when neither is given.
+std::uint64_t length_of(element_index& index, node track, node recording) {
+    for (node holder : {track, recording})
+        if (const std::vector<node> lengths = index.find_children(holder, "length"); lengths.size() == 1)
+            return number_in(index.text_of(lengths.front()));
+    return 0;
+}
+
 // The release a medium yields; throws (and the medium is passed over) when a part is missing or
-// a number does not fit.
+// a number does not fit. `lengths_ms`, when given, receives the track lengths by slot.
 musicbrainz_release read_medium(element_index& index, node release, node medium_list, node medium,
-                                std::size_t track_count) {
+                                std::size_t track_count, std::vector<std::uint64_t>* lengths_ms = nullptr) {
     const node track_list = index.find_child(medium, "track-list");
     if (number_in(attribute(index, track_list, "count")) != track_count) throw ZR::invalid_input();
     const std::vector<node> tracks = index.find_children(track_list, "track");
@@ -82,6 +90,10 @@ musicbrainz_release read_medium(element_index& index, node release, node medium_
         musicbrainz_track& slot = result.tracks[number - 1];
         slot.title = index.text_of(index.find_child(recording, "title"));
         slot.artist = read_artist_credit(index, recording);
+        if (lengths_ms) {
+            lengths_ms->resize(track_count);
+            (*lengths_ms)[number - 1] = length_of(index, track, recording);
+        }
     }
     return result;
 }
@@ -105,6 +117,11 @@ void read_candidates_under(element_index& index, node holder, std::string_view d
     });
 }
 
+std::uint64_t distance(std::span<const std::uint64_t> a, const std::vector<std::uint64_t>& b) {
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] > b[i] ? a[i] - b[i] : b[i] - a[i];
+    return sum;
+}
 
 } // namespace
 
@@ -139,6 +156,31 @@ void musicbrainz_answer_walk::collect_disc_ids(std::vector<std::string>& out) {
 void musicbrainz_answer_walk::read_release_candidates(std::string_view disc_id, std::size_t track_count,
                                                       std::vector<musicbrainz_release>& out) {
     for (node holder : holders_) read_candidates_under(*index_, holder, disc_id, track_count, out);
+}
+
+void musicbrainz_answer_walk::read_closest_media(std::span<const std::uint64_t> lengths_ms,
+                                                 std::vector<musicbrainz_release>& out) {
+    std::vector<musicbrainz_release> closest;
+    std::uint64_t best = UINT64_MAX;
+    for (node holder : holders_)
+        for_each_medium(*index_, holder, [&](element_index& index, node release, node medium_list, node medium,
+                                             const std::vector<node>&) {
+            std::vector<std::uint64_t> lengths;
+            std::optional<musicbrainz_release> found;
+            try {
+                found = read_medium(index, release, medium_list, medium, lengths_ms.size(), &lengths);
+            } catch (const ZR::invalid_input&) {
+            } catch (const ZR::overflow&) {
+            }
+            if (!found) return;
+            const std::uint64_t d = distance(lengths_ms, lengths);
+            if (d > best) return;
+            if (d < best) closest.clear();
+            best = d;
+            found->matched_by_toc = true;
+            closest.push_back(std::move(*found));
+        });
+    for (musicbrainz_release& r : closest) out.push_back(std::move(r));
 }
 
 const musicbrainz_release& choose_release(const std::vector<musicbrainz_release>& candidates) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,13 @@ public:
     void collect_disc_ids(std::vector<std::string>& out);
     void read_release_candidates(std::string_view disc_id, std::size_t track_count,
                                  std::vector<musicbrainz_release>& out);
+    // For an answer to a request by table of contents, whose media need not list the disc:
+    // appends the release of every medium that has one numbered track per entry of
+    // `lengths_ms` (the album's track lengths) and whose track lengths are closest to them,
+    // that is, with the smallest sum of the differences. A track without a length in the answer
+    // differs by its whole length. Media are otherwise passed over as read_release_candidates
+    // does; the releases are marked as matched by table of contents.
+    void read_closest_media(std::span<const std::uint64_t> lengths_ms, std::vector<musicbrainz_release>& out);
 
 private:
     std::unique_ptr<ZR::xmlParser::element_index> index_;

@@ -10,3 +10,8 @@ std::string musicbrainz_web_service_host();
 
 // "http://" host "/ws/2/discid/" id "?inc=recordings+artist-credits".
 std::string musicbrainz_request_url(std::string_view disc_id);
+
+// The second try for a disc the service does not know by its id: the same disc id with its table
+// of contents in the service's notation, which the service matches approximately.
+// "http://" host "/ws/2/discid/" id "?toc=" toc "&cdstubs=no&inc=recordings+artist-credits".
+std::string musicbrainz_toc_request_url(std::string_view disc_id, std::string_view toc);

@@ -6,6 +6,11 @@ query, such as "?inc=recordings+artist-credits", does not change the answer). An
 no file gets 404 with the service's own not-found body; a text that is not shaped like a disc
 id gets 400 with its invalid-discid body.
 
+An unknown id asked with "toc=1+N+LEADOUT+OFFSET..." (frames, the service's notation) gets the
+releases of every disc of the folder's tocs.tsv that has N tracks, each within TOC_TOLERANCE
+frames of the asked one's length, as a release list directly under metadata (as the service
+answers a TOC search); no such disc gives an empty release list.
+
 Every request except those to /control is recorded (path and query exactly as received, one
 line each) so that tests can count the requests made for each path; GET /control?counts lists
 them as "<count> <path and query>" lines, GET /control?arrivals lists "<seconds> <path and
@@ -51,6 +56,11 @@ LOOKUP_PATH = "/ws/2/discid/"
 # Where the redirect fault sends lookups; requests there are answered like lookups.
 MOVED_PREFIX = "/moved"
 DISC_ID = re.compile(r"^[A-Za-z0-9._-]{28}$")
+# How far (frames) each track of a TOC search may be from a known disc's track.
+TOC_TOLERANCE = 150
+TOC_ANSWER_HEAD = (b'<?xml version="1.0" encoding="UTF-8"?>\n'
+                   b'<metadata xmlns="http://musicbrainz.org/ns/mmd-2.0#">')
+RELEASE_LIST = re.compile(rb"<release-list[^>]*>(.*?)</release-list>", re.S)
 
 
 # ---------------------------------------------------------------------------------------------
@@ -87,7 +97,58 @@ def parse_faults(text):
 
 
 # ---------------------------------------------------------------------------------------------
+# TOC search
+
+def track_lengths(leadout, offsets):
+    ends = offsets[1:] + [leadout]
+    return [end - start for start, end in zip(offsets, ends)]
+
+
+def parse_toc(text):
+    """"1+N+LEADOUT+OFFSET..." as (leadout, offsets), or None when it is not one."""
+    numbers = text.replace(" ", "+").split("+")
+    if len(numbers) < 4 or not all(n.isdigit() for n in numbers):
+        return None
+    first, last, leadout, offsets = int(numbers[0]), int(numbers[1]), int(numbers[2]), [int(n) for n in numbers[3:]]
+    if first != 1 or last != len(offsets):
+        return None
+    return leadout, offsets
+
+
+def toc_search_answer(answers, toc):
+    """The release list of the discs in answers/tocs.tsv close to `toc`, as one answer."""
+    wanted = track_lengths(*toc)
+    releases = []
+    try:
+        with open(os.path.join(answers, "tocs.tsv"), encoding="utf-8") as f:
+            rows = [line.rstrip("\n").split("\t") for line in f][1:]
+    except FileNotFoundError:
+        rows = []
+    for row in rows:
+        disc_id, leadout, offsets = row[0], int(row[1]), [int(n) for n in row[2].split()]
+        lengths = track_lengths(leadout, offsets)
+        if len(lengths) != len(wanted) or any(abs(a - b) > TOC_TOLERANCE for a, b in zip(lengths, wanted)):
+            continue
+        with open(os.path.join(answers, disc_id + ".xml"), "rb") as f:
+            found = RELEASE_LIST.search(f.read())
+        if found and found.group(1) not in releases:
+            releases.append(found.group(1))
+    body = b"".join(releases)
+    return (TOC_ANSWER_HEAD + b'<release-list count="' + str(body.count(b"<release ")).encode() + b'">' + body +
+            b"</release-list></metadata>\n")
+
+
+# ---------------------------------------------------------------------------------------------
 # HTTP
+
+def toc_parameter(query):
+    """The toc= value exactly as sent ("+" kept: parse_qs would read it as a blank)."""
+    for item in query.split("&"):
+        name, _, value = item.partition("=")
+        if name == "toc":
+            return urllib.parse.unquote(value)
+    return ""
+
 
 class musicbrainz_http_server(test_server_base.recording_http_server):
     def __init__(self, address, options, faults):
@@ -128,6 +189,9 @@ class request_handler(test_server_base.quiet_request_handler):
             with open(answer_path, "rb") as f:
                 body = f.read()
         except FileNotFoundError:
+            toc = parse_toc(toc_parameter(query))
+            if toc:
+                return self.send_body(200, toc_search_answer(self.server.options.answers, toc), faults)
             return self.send_body(404, NOT_FOUND_BODY, faults)
         self.send_body(200, body, faults)
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <unistd.h>
 
+#include <tunehall/answer_cache_policy.h>
 #include <tunehall/core.h>
 #include <tunehall/tagging_source.h>
 
@@ -17,6 +18,7 @@
 #include "cli/json_writer.h"
 #include "cli/session.h"
 #include "cli/track_input.h"
+#include "musicbrainz/cache.h"
 #include "musicbrainz/disc_id.h"
 #include "musicbrainz/lookup.h"
 #include "musicbrainz/release_dialog.h"
@@ -38,6 +40,12 @@ public:
     std::optional<bool> result;
 };
 
+// --refresh: the component asks the service even for a disc whose answer it has kept.
+class refresh_answers : public answer_cache_policy {
+public:
+    bool refresh_cached_answers() override { return true; }
+};
+
 service_ref<tagging_source> musicbrainz_source() {
     for (auto& s : all_services<tagging_source>())
         if (std::string(s->name()) == "MusicBrainz") return s;
@@ -47,6 +55,7 @@ service_ref<tagging_source> musicbrainz_source() {
 std::string release_text(const std::string& disc_id, const musicbrainz_release& r) {
     std::string out = "MusicBrainz disc id: " + disc_id + "\nTitle:  " + r.title + "\nArtist: " +
                       join_artists(r.album_artist) + "\nDate:   " + r.date + "\nDisc:   " + disc_text(r) + "\n";
+    if (r.matched_by_toc) out += "Match:  by table of contents (the disc id is unknown to the service)\n";
     for (std::size_t i = 0; i < r.tracks.size(); ++i) {
         out += "  " + std::to_string(i + 1) + "  " + r.tracks[i].title;
         if (!r.tracks[i].artist.empty()) out += "  (" + join_artists(r.tracks[i].artist) + ")";
@@ -57,7 +66,9 @@ std::string release_text(const std::string& disc_id, const musicbrainz_release& 
 
 std::string release_json(const std::string& disc_id, const musicbrainz_release& r) {
     json_writer json;
-    json.begin_object().key("disc_id").value(disc_id).key("release").begin_object();
+    json.begin_object().key("disc_id").value(disc_id);
+    if (r.matched_by_toc) json.key("matched_by").value("toc");
+    json.key("release").begin_object();
     json.key("title").value(r.title).key("album_artist").strings(r.album_artist).key("date").value(r.date);
     json.key("disc_number").value(static_cast<std::int64_t>(r.disc_number));
     json.key("total_discs").value(static_cast<std::int64_t>(r.total_discs));
@@ -100,12 +111,14 @@ bool user_confirms() {
 } // namespace
 
 int run_musicbrainz(const global_options& globals, const arguments& args) {
-    option_reader options(args, {"--json", "--write"},
+    option_reader options(args, {"--json", "--write", "--refresh"},
                           {"--lengths", "--toc", "--data-track", "--title", "--artist", "--date", "--disc", "--track-title", "--track-artist"});
     const bool write_at_once = options.flag("--write");
     if (write_at_once && has_edits(options))
         throw usage_error{"--write takes the release as found; leave it out to correct the release first"};
     session s(globals);
+    if (options.flag("--refresh"))
+        s.host().services().add_instance(answer_cache_policy::class_guid, make_service<refresh_answers>());
     // An enhanced disc's id covers its audio tracks only; they are the ones tagged.
     const track_list tracks = read_album(options).musicbrainz;
     if (tracks.size() > 99)
@@ -171,9 +184,10 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
     }
     if (!shown) {
         // The write-at-once entry shows nothing; its release is in the cache the lookup just
-        // filled or read, so reading it again asks no server.
+        // filled or read, so reading it again asks no server (even after --refresh).
         abort_source_dummy no_abort;
-        shown = *musicbrainz_lookup(tracks, no_abort);
+        musicbrainz_cache cache;
+        shown = *musicbrainz_lookup(tracks, no_abort, cache, musicbrainz_cache_use::answer_from_cache);
     }
     if (options.flag("--json"))
         std::fputs(release_json(disc_id, *shown).c_str(), stdout);

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "musicbrainz/disc_id.h"
 #include "support/audio_files.h"
 #include "support/local_server.h"
 #include "support/run_program.h"
@@ -121,6 +122,39 @@ TEST_F(musicbrainz_cli, an_unknown_disc_is_reported_and_nothing_is_written) {
     EXPECT_NE(r.exit_code, 0);
     EXPECT_NE(r.err.find("MusicBrainz lookup failed"), std::string::npos) << r.err;
     EXPECT_EQ(independent_tag_lines(folder / "Track 01.flac"), before);
+}
+
+// A rip a little off from a disc the service knows: unknown by its id, found by its TOC. The
+// closest medium is shown (the dialog says how it was found) and written; later runs take it from
+// the cache, still as a TOC match, until --refresh asks the service again.
+TEST_F(musicbrainz_cli, a_disc_unknown_by_id_is_found_by_its_toc_written_and_refreshed) {
+    std::vector<double> lengths = mb_testing::lengths_of(mb_testing::disc_with_id(ziggy_disc1));
+    lengths[2] += 0.4;  // 30 frames: another disc id, a TOC still close to disc 1's
+    auto folder = music / "near";
+    make_album(folder, lengths, audio_format::flac);
+    const musicbrainz_toc toc = compute_musicbrainz_toc(mb_testing::tracks_of(lengths));
+    const std::string id = musicbrainz_disc_id(toc);
+    const std::string asked = "/ws/2/discid/" + id;
+    const lines both = {asked + "?inc=recordings+artist-credits",
+                        asked + "?toc=" + musicbrainz_toc_text(toc) + "&cdstubs=no&inc=recordings+artist-credits"};
+
+    auto first = run({"musicbrainz", folder.string(), "--json"});  // through the dialog, saved as shown
+    ASSERT_EQ(first.exit_code, 0) << first.err;
+    EXPECT_EQ(server.requests(), both);
+    EXPECT_NE(first.out.find("\"disc_id\":\"" + id + "\",\"matched_by\":\"toc\""), std::string::npos) << first.out;
+    const lines track1 = independent_tag_lines(folder / "Track 01.flac");
+    for (const char* line : {"ALBUM=The Rise and Fall of Ziggy Stardust and the Spiders From Mars", "TITLE=Five Years",
+                             "DISCNUMBER=1", "DISCTOTAL=2"})
+        EXPECT_TRUE(has(track1, line)) << line;
+
+    auto cached = run({"musicbrainz", folder.string(), "--write"});
+    ASSERT_EQ(cached.exit_code, 0) << cached.err;
+    EXPECT_EQ(server.requests().size(), 2u);
+    EXPECT_NE(cached.out.find("Match:  by table of contents"), std::string::npos) << cached.out;
+
+    auto refreshed = run({"musicbrainz", folder.string(), "--write", "--refresh"});
+    ASSERT_EQ(refreshed.exit_code, 0) << refreshed.err;
+    EXPECT_EQ(server.requests(), (lines{both[0], both[1], both[0], both[1]}));
 }
 
 TEST_F(musicbrainz_cli, discid_prints_the_musicbrainz_id_for_up_to_99_tracks) {
