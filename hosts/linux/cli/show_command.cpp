@@ -36,13 +36,17 @@ int run_show(const global_options& globals, const arguments& args) {
     json.begin_object().key("tracks").begin_array();
     for (auto& t : tracks) {
         track_info info = read_audio_file(t->path());
+        const char* length_kind = info.info_get(length_kind_field);
         if (options.flag("--json")) {
             json.begin_object().key("path").value(t->path());
-            json.key("length").value(info.length).key("fields");
+            json.key("length").value(info.length).key("length_kind");
+            length_kind ? json.value(length_kind) : json.null();
+            json.key("fields");
             write_fields_json(json, info.tags);
             json.end_object();
         } else {
-            std::printf("%s (%.3f s)\n%s", t->path(), info.length, fields_text(info.tags).c_str());
+            std::printf("%s (%.3f s%s%s)\n%s", t->path(), info.length, length_kind ? ", " : "",
+                        length_kind ? length_kind : "", fields_text(info.tags).c_str());
         }
     }
     json.end_array().end_object();
