@@ -51,19 +51,19 @@ std::optional<std::string_view> child(std::string_view parent, std::string_view 
     return std::nullopt;
 }
 
-// A full box's time scale and duration (mvhd, mdhd): version 1 has 64-bit times.
+// A full box's time scale and duration (mvhd, mdhd): version 1 has 64-bit times. A scale of 0:
+// no box, or a damaged one.
 struct timing {
     std::uint32_t scale = 0;
     std::uint64_t duration = 0;
 };
 
-std::optional<timing> timing_of(std::string_view body) {
-    const bool wide = !body.empty() && byte_at(body, 0) == 1;
+timing timing_of(const std::optional<std::string_view>& box) {
+    if (!box) return {};
+    const bool wide = !box->empty() && byte_at(*box, 0) == 1;
     const std::size_t at = wide ? 20 : 12;
-    if (body.size() < at + (wide ? 12 : 8)) return std::nullopt;
-    timing t{static_cast<std::uint32_t>(big_endian(body, at, 4)), big_endian(body, at + 4, wide ? 8 : 4)};
-    if (t.scale == 0) return std::nullopt;
-    return t;
+    if (box->size() < at + (wide ? 12 : 8)) return {};
+    return {static_cast<std::uint32_t>(big_endian(*box, at, 4)), big_endian(*box, at + 4, wide ? 8 : 4)};
 }
 
 struct edit {
@@ -108,32 +108,31 @@ std::optional<exact_length> itunsmpb_length(std::string_view comment, std::uint3
 }
 
 std::optional<exact_length> mp4_edit_length(std::string_view moov) {
-    const std::optional<std::string_view> mvhd = child(moov, "mvhd");
-    const std::optional<timing> movie = mvhd ? timing_of(*mvhd) : std::nullopt;
-    if (!movie) return std::nullopt;
+    const timing movie = timing_of(child(moov, "mvhd"));
+    if (movie.scale == 0) return std::nullopt;
     for (const box& trak : boxes_in(moov)) {
         if (trak.type != "trak") continue;
         const std::optional<std::string_view> mdia = child(trak.body, "mdia");
         if (!mdia || !is_sound_track(*mdia)) continue;
-        const std::optional<std::string_view> mdhd = child(*mdia, "mdhd"), edts = child(trak.body, "edts");
-        const std::optional<timing> media = mdhd ? timing_of(*mdhd) : std::nullopt;
+        const timing media = timing_of(child(*mdia, "mdhd"));
+        const std::optional<std::string_view> edts = child(trak.body, "edts");
         const std::optional<std::string_view> elst = edts ? child(*edts, "elst") : std::nullopt;
-        if (!media || !elst) return std::nullopt;
+        if (media.scale == 0 || !elst) return std::nullopt;
         // An empty edit first delays the start; the edit that plays media follows it. Several
         // edits that play media cut the track in ways a length cannot say.
         std::vector<edit> played = edits_of(*elst);
         std::erase_if(played, [](const edit& e) { return e.media_time < 0; });
         if (played.size() != 1) return std::nullopt;
         const auto skipped = static_cast<std::uint64_t>(played[0].media_time);
-        if (skipped >= media->duration) return std::nullopt;
-        const std::uint64_t after_priming = media->duration - skipped;
+        if (skipped >= media.duration) return std::nullopt;
+        const std::uint64_t after_priming = media.duration - skipped;
         // The edit's duration is in movie units; converted, it is exact only to one of them.
         // When the media after the priming ends within that unit, the media's count is exact.
-        const double edited = static_cast<double>(played[0].segment_duration) * media->scale / movie->scale;
-        const double movie_unit = static_cast<double>(media->scale) / movie->scale;
+        const double edited = static_cast<double>(played[0].segment_duration) * media.scale / movie.scale;
+        const double movie_unit = static_cast<double>(media.scale) / movie.scale;
         if (played[0].segment_duration == 0 || static_cast<double>(after_priming) <= edited + movie_unit)
-            return exact_length{after_priming, media->scale};
-        return exact_length{static_cast<std::uint64_t>(edited + 0.5), media->scale};
+            return exact_length{after_priming, media.scale};
+        return exact_length{static_cast<std::uint64_t>(edited + 0.5), media.scale};
     }
     return std::nullopt;
 }
