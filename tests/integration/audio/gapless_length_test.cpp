@@ -117,10 +117,3 @@ TEST(gapless_length, mp4_edit_list_or_itunsmpb_gives_the_encoded_samples_or_noth
     expect_length(linux_audio::itunsmpb_length(" 00000000 00000840 000001CA", 44100), 0, 0);
     expect_length(linux_audio::itunsmpb_length(" 00000000 00000840 000001CA 0000000000zz", 44100), 0, 0);
 }
-
-TEST(gapless_length, opus_pre_skip_comes_from_a_whole_opus_head) {
-    const std::string head = std::string("OpusHead\x01\x02\x38\x01", 12) + std::string(7, '\0');
-    EXPECT_EQ(linux_audio::opus_pre_skip(head), std::optional<std::uint16_t>(312));
-    EXPECT_EQ(linux_audio::opus_pre_skip(head.substr(0, 18)), std::nullopt);
-    EXPECT_EQ(linux_audio::opus_pre_skip("OpusTags" + head.substr(8)), std::nullopt);
-}
