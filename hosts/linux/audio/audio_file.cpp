@@ -156,7 +156,10 @@ std::optional<std::string> mp4_moov(cached_file_stream& stream) {
         if (h.size() < 8) return std::nullopt;
         const std::string_view head(h.data(), h.size());
         std::uint64_t size = big_endian(head, 0, 4), header = 8;
-        if (size == 1 && head.size() == 16) size = big_endian(head, 8, 8), header = 16;
+        if (size == 1 && head.size() == 16) {
+            size = big_endian(head, 8, 8);
+            header = 16;
+        }
         if (size == 0) size = end - at;
         if (size < header || size > end - at) return std::nullopt;
         if (head.substr(4, 4) == "moov") {
