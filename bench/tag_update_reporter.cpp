@@ -29,7 +29,7 @@ void tag_update_reporter::measured(const Run& run) {
 
 void tag_update_reporter::Finalize() {
     std::ostream& out = GetOutputStream();
-    out << "\nper pass over the album, in ms (median of the repetitions when there are several);\n"
+    out << "\nper pass (over the album or the file), in ms (median of the repetitions when there are several);\n"
         << "CPU is the process's CPU time: every thread, user and system\n";
     out << line("%-40s %10s %10s\n", "benchmark", "CPU ms", "real ms");
     std::vector<std::string> shown{ours_, peer_};
@@ -39,7 +39,7 @@ void tag_update_reporter::Finalize() {
         if (it == measured_.end())
             out << line("%-40s %10s\n", name.c_str(), "not measured (an error or a filter left it out)");
         else
-            out << line("%-40s %10.2f %10.2f\n", name.c_str(), it->second.cpu_ms, it->second.real_ms);
+            out << line("%-40s %10.3f %10.3f\n", name.c_str(), it->second.cpu_ms, it->second.real_ms);
     }
     auto ours = measured_.find(ours_), peer = measured_.find(peer_);
     if (ours != measured_.end() && peer != measured_.end() && peer->second.cpu_ms > 0 && peer->second.real_ms > 0) {

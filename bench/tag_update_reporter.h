@@ -1,5 +1,5 @@
 #pragma once
-// The console report of the tag update benchmark, followed by ours beside the plain TagLib loop
+// The console report of the tag update and length read benchmarks, followed by ours beside the plain TagLib loop
 // (and the parts of ours measured alone) and the check of the speed goal.
 
 #include <map>

@@ -13,7 +13,9 @@
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
 #include <taglib/mp4file.h>
+#include <taglib/mp4tag.h>
 #include <taglib/mpegfile.h>
+#include <taglib/oggpageheader.h>
 #include <taglib/opusfile.h>
 #include <taglib/vorbisfile.h>
 #include <taglib/wavfile.h>
@@ -23,6 +25,8 @@
 
 #include "cached_file_stream.h"
 #include "field_table.h"
+#include "gapless_length.h"
+#include "header_bytes.h"
 #include "id3v2_tags.h"
 #include "mp4_tags.h"
 #include "taglib_text.h"
@@ -126,19 +130,105 @@ opened_file open_audio_file(const std::string& path) {
     return out;
 }
 
-double seconds_of(const opened_file& f) {
+// The file's length, and whether it is the number of samples that a gapless decoder outputs.
+struct measured_length {
+    double seconds = 0.0;
+    bool exact = false;
+};
+
+// An MP3's LAME tag sits in its first frame; only those bytes are read.
+std::optional<exact_length> mp3_length(const opened_file& f) {
+    const long first_frame = static_cast<TagLib::MPEG::File&>(*f.file).firstFrameOffset();
+    if (first_frame < 0) return std::nullopt;
+    f.stream->seek(first_frame);
+    const TagLib::ByteVector bytes = f.stream->readBlock(192);
+    return mp3_gapless_length({bytes.data(), bytes.size()});
+}
+
+// The body of the moov box, found by walking the top-level boxes' headers.
+std::optional<std::string> mp4_moov(cached_file_stream& stream) {
+    // Far above any real moov (an hour of AAC needs about 200 KB), low enough to read whole.
+    constexpr std::uint64_t largest_moov = 16 << 20;
+    const auto end = static_cast<std::uint64_t>(stream.length());
+    for (std::uint64_t at = 0; at + 8 <= end;) {
+        stream.seek(static_cast<long>(at));
+        const TagLib::ByteVector h = stream.readBlock(16);
+        if (h.size() < 8) return std::nullopt;
+        const std::string_view head(h.data(), h.size());
+        std::uint64_t size = big_endian(head, 0, 4), header = 8;
+        if (size == 1 && head.size() == 16) {
+            size = big_endian(head, 8, 8);
+            header = 16;
+        }
+        if (size == 0) size = end - at;
+        if (size < header || size > end - at) return std::nullopt;
+        if (head.substr(4, 4) == "moov") {
+            if (size - header > largest_moov) return std::nullopt;
+            stream.seek(static_cast<long>(at + header));
+            const TagLib::ByteVector body = stream.readBlock(static_cast<unsigned long>(size - header));
+            return std::string(body.data(), body.size());
+        }
+        at += size;
+    }
+    return std::nullopt;
+}
+
+std::optional<exact_length> mp4_length(const opened_file& f) {
+    auto& mp4 = static_cast<TagLib::MP4::File&>(*f.file);
+    const TagLib::String smpb_key = "----:com.apple.iTunes:iTunSMPB";
+    if (mp4.tag()->contains(smpb_key)) {
+        const TagLib::StringList texts = mp4.tag()->item(smpb_key).toStringList();
+        const auto rate = static_cast<std::uint32_t>(mp4.audioProperties()->sampleRate());
+        if (!texts.isEmpty())
+            if (auto length = itunsmpb_length(texts.front().to8Bit(), rate)) return length;
+    }
+    const std::optional<std::string> moov = mp4_moov(*f.stream);
+    return moov ? mp4_edit_length(*moov) : std::nullopt;
+}
+
+// An Ogg stream's last granule position counts the samples decoded up to its end, Opus's in
+// 48 kHz samples with the pre-skip included.
+std::optional<exact_length> ogg_length(const opened_file& f) {
+    auto& ogg = static_cast<TagLib::Ogg::File&>(*f.file);
+    const TagLib::Ogg::PageHeader* first = ogg.firstPageHeader();
+    const TagLib::Ogg::PageHeader* last = ogg.lastPageHeader();
+    if (!first || !last || first->absoluteGranularPosition() < 0) return std::nullopt;
+    const long long samples = last->absoluteGranularPosition() - first->absoluteGranularPosition();
+    if (f.format == audio_format::ogg) {
+        const int rate = ogg.audioProperties()->sampleRate();
+        if (samples <= 0 || rate <= 0) return std::nullopt;
+        return exact_length{static_cast<std::uint64_t>(samples), static_cast<std::uint32_t>(rate)};
+    }
+    const TagLib::ByteVector head = ogg.packet(0);
+    const std::optional<std::uint16_t> pre_skip = opus_pre_skip({head.data(), head.size()});
+    if (!pre_skip || samples <= *pre_skip) return std::nullopt;
+    return exact_length{static_cast<std::uint64_t>(samples - *pre_skip), 48000};
+}
+
+measured_length length_of(const opened_file& f) {
     const TagLib::AudioProperties& p = *f.file->audioProperties();
-    // Where the file states its number of samples, the length is exact, not rounded to ms.
-    if (f.format == audio_format::flac) {
+    std::optional<exact_length> exact;
+    switch (f.format) {
+    case audio_format::flac: {
         auto& flac = static_cast<const TagLib::FLAC::Properties&>(p);
-        if (flac.sampleFrames() > 0 && flac.sampleRate() > 0)
-            return static_cast<double>(flac.sampleFrames()) / flac.sampleRate();
+        if (flac.sampleFrames() > 0)
+            exact = exact_length{flac.sampleFrames(), static_cast<std::uint32_t>(flac.sampleRate())};
+        break;
     }
-    if (f.format == audio_format::wav) {
+    case audio_format::wav: {
         auto& wav = static_cast<const TagLib::RIFF::WAV::Properties&>(p);
-        if (wav.sampleRate() > 0) return static_cast<double>(wav.sampleFrames()) / wav.sampleRate();
+        exact = exact_length{wav.sampleFrames(), static_cast<std::uint32_t>(wav.sampleRate())};
+        break;
     }
-    return p.lengthInMilliseconds() / 1000.0;
+    case audio_format::mp3: exact = mp3_length(f); break;
+    case audio_format::mp4: exact = mp4_length(f); break;
+    case audio_format::ogg:
+    case audio_format::opus: exact = ogg_length(f); break;
+    }
+    // Without a stated sample count, TagLib's length to the millisecond (an MP3 without a LAME
+    // tag: with the encoder's delay and padding).
+    if (!exact) return {p.lengthInMilliseconds() / 1000.0, false};
+    return {exact->seconds(), true};
 }
 
 std::string codec_of(const opened_file& f) {
@@ -260,7 +350,9 @@ track_info read_audio_file(const std::string& path) {
     const opened_file f = open_audio_file(path);
     const TagLib::AudioProperties& p = *f.file->audioProperties();
     track_info info;
-    info.length = seconds_of(f);
+    const measured_length length = length_of(f);
+    info.length = length.seconds;
+    info.info_set(length_kind_field, length.exact ? "exact" : "estimated");
     info.info_set("codec", codec_of(f));
     auto set_number = [&info](const char* name, int value) {
         if (value > 0) info.info_set(name, std::to_string(value));

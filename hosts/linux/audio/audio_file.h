@@ -11,8 +11,13 @@
 // Whether `path` names a file of a type read here, judged by its extension.
 bool is_audio_file_name(const std::string& path);
 
-// The file's info record: `length` in seconds (sample-exact for FLAC and WAV, to the
-// millisecond for the others), technical fields ("codec", "samplerate", "channels",
+// The info field that says how `length` was found: "exact" where the file states the samples
+// that a gapless decoder outputs (FLAC, WAV, Ogg Vorbis, Opus; MP3 with a LAME tag; M4A with
+// an iTunSMPB comment or an edit list), else "estimated" (to the millisecond; an MP3 or AAC
+// file then counts its encoder's delay and padding).
+inline constexpr const char* length_kind_field = "length_kind";
+
+// The file's info record: `length` in seconds, length_kind_field, technical fields ("codec", "samplerate", "channels",
 // "bitrate" in kbit/s, "bitspersample" where the format has it) and its tags under the host's
 // field names. A missing file raises exception_io_not_found, a file that cannot be read
 // exception_io_data; both texts name the file.

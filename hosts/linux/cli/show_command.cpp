@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "audio/audio_file.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/json_writer.h"
@@ -36,15 +37,19 @@ int run_show(const global_options& globals, const arguments& args) {
     for (auto& t : tracks) {
         track_info info;
         t->get_info(info);
+        const char* length_kind = info.info_get(length_kind_field);
         if (options.flag("--json")) {
             json.begin_object().key("path").value(t->path());
-            json.key("length").value(info.length).key("fields");
+            json.key("length").value(info.length).key("length_kind");
+            length_kind ? json.value(length_kind) : json.null();
+            json.key("fields");
             write_fields_json(json, info.tags);
             json.end_object();
         } else {
             // The tracks of a cue sheet share its path; their number tells them apart.
             const std::string name = t->subsong() > 0 ? std::string(t->path()) + " #" + std::to_string(t->subsong()) : t->path();
-            std::printf("%s (%.3f s)\n%s", name.c_str(), info.length, fields_text(info.tags).c_str());
+            std::printf("%s (%.3f s%s%s)\n%s", name.c_str(), info.length, length_kind ? ", " : "",
+                        length_kind ? length_kind : "", fields_text(info.tags).c_str());
         }
     }
     json.end_array().end_object();

@@ -20,26 +20,28 @@ using testing_support::audio_format;
 
 namespace {
 
-// The bounds of (length read - true length) for each format, from what the files state.
+// The bounds of (length read - true length) for each format, from what the files state, and the
+// kind of length the file's info record names.
 struct length_case {
     audio_format format;
     double below;  // how far the length may fall short
     double above;  // how far it may run over
+    const char* kind;
 };
 
-// FLAC and WAV state their number of samples: exact. Ogg and M4A state it too, but TagLib 1.13
-// gives their length in milliseconds: half a millisecond either way. Opus likewise, and
-// opusenc keeps the source's length through its resampling to 48 kHz. MP3 as sox writes it
-// carries no gapless header, so the frames hold the encoder's delay (576 samples), the last
-// frame's padding and one flushing frame besides the audio: up to 576 + 2 x 1152 samples more,
-// never less. Measured: +31 to +48 ms for 1 s to 180 s.
+// FLAC, WAV and Ogg Vorbis state their number of samples: exact. Opus states it at 48 kHz, and
+// opusenc keeps the source's length through its resampling: within one 48 kHz sample. The
+// ALAC files made here carry no edit list: TagLib's length to the millisecond. MP3 as sox
+// writes it carries no LAME tag, so the frames hold the encoder's delay (576 samples), the
+// last frame's padding and one flushing frame besides the audio: up to 576 + 2 x 1152 samples
+// more, never less. Measured: +31 to +48 ms for 1 s to 180 s.
 const length_case length_cases[] = {
-    {audio_format::flac, 0.0, 0.0},
-    {audio_format::wav, 0.0, 0.0},
-    {audio_format::ogg, 0.0005, 0.0005},
-    {audio_format::opus, 0.0005, 0.0005},
-    {audio_format::m4a, 0.0005, 0.0005},
-    {audio_format::mp3, 0.0, (576 + 2 * 1152) / 44100.0},
+    {audio_format::flac, 0.0, 0.0, "exact"},
+    {audio_format::wav, 0.0, 0.0, "exact"},
+    {audio_format::ogg, 0.0, 0.0, "exact"},
+    {audio_format::opus, 1 / 48000.0, 1 / 48000.0, "exact"},
+    {audio_format::m4a, 0.0005, 0.0005, "estimated"},
+    {audio_format::mp3, 0.0, (576 + 2 * 1152) / 44100.0, "estimated"},
 };
 
 } // namespace
@@ -54,7 +56,10 @@ TEST(audio_file, length_is_what_the_file_plays_exact_where_it_states_its_samples
             const auto path = folder / ("track" + std::to_string(frames) + testing_support::extension_of(c.format));
             testing_support::make_audio_file(path, frames, c.format);
 
-            const double length = read_audio_file(path.string()).length;
+            const track_info info = read_audio_file(path.string());
+            const double length = info.length;
+            ASSERT_NE(info.info_get(length_kind_field), nullptr);
+            EXPECT_STREQ(info.info_get(length_kind_field), c.kind);
             if (c.below == 0.0 && c.above == 0.0) {
                 EXPECT_EQ(length, seconds);
             } else {
