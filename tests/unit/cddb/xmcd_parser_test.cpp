@@ -229,6 +229,8 @@ TEST(xmcd_parser, an_unknown_keyword_fails_with_the_whole_line) {
         parser.feed_line("# xmcd");
         expect_data_error([&] { parser.feed_line(line); }, std::string("CDDB: Unrecognized keyword '") + line + "'");
     }
+    // The highest track number is still a keyword.
+    EXPECT_EQ(parse_lines({"# xmcd", "TTITLE9999=last"}).get_track_count(), 10000u);
 }
 
 TEST(xmcd_parser, header_comments_match_without_regard_to_case_until_submitted_via) {
