@@ -50,22 +50,34 @@ std::filesystem::path fixture(const std::string& relative) {
     return std::filesystem::path(TESSELLON_FIXTURES) / relative;
 }
 
-fixture_toc read_fixture_toc(const std::string& disc_id) {
+std::vector<fixture_toc> read_fixture_tocs() {
     std::ifstream in(fixture("xmcd/cddb-discid-tocs.tsv"));
-    for (std::string line; std::getline(in, line);) {
+    std::vector<fixture_toc> out;
+    std::string line;
+    std::getline(in, line);  // column names
+    while (std::getline(in, line)) {
         std::istringstream fields(line);
-        std::string id, count, offsets, seconds;
-        std::getline(fields, id, '\t');
+        fixture_toc toc;
+        std::string count, offsets, seconds;
+        std::getline(fields, toc.disc_id, '\t');
         std::getline(fields, count, '\t');
         std::getline(fields, offsets, '\t');
         std::getline(fields, seconds, '\t');
-        if (id != disc_id) continue;
-        fixture_toc toc;
+        std::getline(fields, toc.discid_field, '\t');
+        std::getline(fields, toc.file, '\t');
+        if (toc.file.empty()) continue;
         std::istringstream numbers(offsets);
         for (long offset; numbers >> offset;) toc.offsets.push_back(offset);
         toc.disc_seconds = std::stol(seconds);
-        return toc;
+        out.push_back(std::move(toc));
     }
+    if (out.empty()) throw std::runtime_error("no discs in xmcd/cddb-discid-tocs.tsv");
+    return out;
+}
+
+fixture_toc read_fixture_toc(const std::string& disc_id) {
+    for (fixture_toc& toc : read_fixture_tocs())
+        if (toc.disc_id == disc_id) return toc;
     throw std::runtime_error("no disc " + disc_id + " in xmcd/cddb-discid-tocs.tsv");
 }
 

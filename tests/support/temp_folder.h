@@ -30,9 +30,14 @@ std::filesystem::path fixture(const std::string& relative);
 
 // One disc of the fixtures' table of contents (xmcd/cddb-discid-tocs.tsv).
 struct fixture_toc {
+    std::string disc_id;        // lower-case hex, computed from the offsets
     std::vector<long> offsets;  // frames
     long disc_seconds = 0;
+    std::string discid_field;   // the entry's DISCID text
+    std::string file;           // the entry, under xmcd/entries/
 };
+// Every disc of the table, in its order.
+std::vector<fixture_toc> read_fixture_tocs();
 // Raises std::runtime_error for a disc not in the table.
 fixture_toc read_fixture_toc(const std::string& disc_id);
 

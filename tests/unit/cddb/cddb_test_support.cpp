@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -56,49 +55,10 @@ std::string fixture_bytes(const std::string& relative) {
     return bytes;
 }
 
-std::vector<fixture_disc> fixture_discs() {
-    std::istringstream in(fixture_bytes("xmcd/cddb-discid-tocs.tsv"));
-    std::string row;
-    std::getline(in, row);  // column names
-    std::vector<fixture_disc> discs;
-    while (std::getline(in, row)) {
-        if (row.empty()) continue;
-        std::vector<std::string> cols;
-        std::istringstream cells(row);
-        for (std::string cell; std::getline(cells, cell, '\t');) cols.push_back(cell);
-        if (cols.size() != 6) {
-            ADD_FAILURE() << "bad row: " << row;
-            continue;
-        }
-        fixture_disc d;
-        d.computed_id = cols[0];
-        d.track_count = static_cast<std::uint32_t>(std::stoul(cols[1]));
-        std::istringstream offsets(cols[2]);
-        for (std::uint32_t v; offsets >> v;) d.offsets.push_back(v);
-        d.disc_seconds = static_cast<std::uint32_t>(std::stoul(cols[3]));
-        d.discid_field = cols[4];
-        d.file = cols[5];
-        discs.push_back(d);
-    }
-    return discs;
-}
-
 void feed_answer(response_handler& handler, const std::string& answer) {
     memory_reader in(answer);
     abort_source_dummy never;
     read_answer_lines(in, handler, never);
-}
-
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> out;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i <= text.size(); ++i) {
-        if (i == text.size() || text[i] == '\r' || text[i] == '\n') {
-            if (i > start) out.push_back(text.substr(start, i - start));
-            start = i + 1;
-        }
-    }
-    return out;
 }
 
 namespace {

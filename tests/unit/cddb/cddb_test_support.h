@@ -58,22 +58,8 @@ private:
 // A fixture file's bytes; fails the calling test when the file is missing or empty.
 std::string fixture_bytes(const std::string& relative);
 
-// One row of xmcd/cddb-discid-tocs.tsv: a real disc's TOC and id, and its entry file.
-struct fixture_disc {
-    std::string computed_id;   // lower-case hex
-    std::uint32_t track_count = 0;
-    std::vector<std::uint32_t> offsets;
-    std::uint32_t disc_seconds = 0;
-    std::string discid_field;  // the entry's DISCID text
-    std::string file;          // under xmcd/entries/
-};
-std::vector<fixture_disc> fixture_discs();
-
 // Feeds `answer` through the real line splitter into `handler`.
 void feed_answer(response_handler& handler, const std::string& answer);
-
-// Every line of `text` split at CR and LF, empty lines dropped (for feeding the xmcd parser).
-std::vector<std::string> lines_of(const std::string& text);
 
 // Stands in for the host's HTTP layer: answers every http:// URL with the next prepared answer
 // (or an i/o failure), and can trip an abort source after a number of bytes.

@@ -8,6 +8,7 @@
 
 #include "musicbrainz/release_text.h"
 #include "musicbrainz/tag_mapping.h"
+#include "unit/tagger/tagger_test_support.h"
 #include "xml/zr_exceptions.h"
 
 namespace {
@@ -87,15 +88,7 @@ musicbrainz_release two_track_release() {
     return r;
 }
 
-fields fields_of(const tag_record& tags) {
-    fields out;
-    for (std::size_t f = 0; f < tags.field_count(); ++f) {
-        strings values;
-        for (std::size_t v = 0; v < tags.value_count(f); ++v) values.push_back(tags.value(f, v));
-        out.emplace_back(tags.field_name(f), values);
-    }
-    return out;
-}
+using tagger_testing::fields_of;
 
 TEST(musicbrainz_tag_mapping, writes_the_release_and_the_track_and_leaves_other_fields_alone) {
     tag_record tags;

@@ -56,53 +56,35 @@ names titles_of(const musicbrainz_release& r) {
 // ---------------------------------------------------------------------------------------------
 // The shared fixtures' disc-id answers
 
-struct fixture_answer_case {
-    std::string file;
-    std::string disc_id;        // the disc the answer is for
-    std::size_t track_count;    // the disc's tracks
-    std::size_t listed_ids;     // disc entries under its releases, repeats included
-};
-
-class fixture_answers : public testing::TestWithParam<fixture_answer_case> {};
-
-TEST_P(fixture_answers, list_their_discs_but_yield_no_release_without_numbered_tracks) {
-    const fixture_answer_case& c = GetParam();
-    const std::string answer = mb_testing::fixture_answer("discid/" + c.file);
-    names ids = disc_ids_in(answer);
-    EXPECT_EQ(ids.size(), c.listed_ids);
-    EXPECT_NE(std::find(ids.begin(), ids.end(), c.disc_id), ids.end());
-    for (const std::string& id : ids) EXPECT_TRUE(is_disc_id_form(id)) << id;
-    // Their track lists are counts only, or tracks without a "number": no medium qualifies.
-    EXPECT_TRUE(candidates_in(answer, c.disc_id, c.track_count).empty());
-    EXPECT_THROW(choose_release(candidates_in(answer, c.disc_id, c.track_count)), musicbrainz_no_match);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    discid, fixture_answers,
-    testing::Values(
-        fixture_answer_case{"localhots-pmzhT6ZlFiwSRCdVwV0eqire5_Y-.xml", "pmzhT6ZlFiwSRCdVwV0eqire5_Y-", 9, 2},
-        fixture_answer_case{"mbserver-test-IeldkVfIh1wep_M8CMuDvA0nQ7Q-.xml", "IeldkVfIh1wep_M8CMuDvA0nQ7Q-", 9, 1},
-        fixture_answer_case{"mbserver-test-T.epJ9O5SoDjPqAJuOJfAI9O8Nk-_inc-artist-credits.xml",
-                            "T.epJ9O5SoDjPqAJuOJfAI9O8Nk-", 13, 2},
-        fixture_answer_case{"mbserver-test-toc-lookup-release-list-no-disc.xml", "IeldkVfIh1wep_M8CMuDvA0nQ7Q-", 9, 1},
-        fixture_answer_case{"ngs-f7agNZK1HMQ2WUWq9bwDymw9aHA-.xml", "f7agNZK1HMQ2WUWq9bwDymw9aHA-", 13, 5},
-        fixture_answer_case{"ngs-xp5tz6rE4OHrBafj0bLfDRMGK48-.xml", "xp5tz6rE4OHrBafj0bLfDRMGK48-", 8, 12},
-        fixture_answer_case{"rubyripper-oneReleaseFound-4vi.H1hC7BRP18_a.7D4r4NOYL8-.xml",
-                            "4vi.H1hC7BRP18_a.7D4r4NOYL8-", 17, 24},
-        fixture_answer_case{"rubyripper-multipleReleasesFound-4vi.H1hC7BRP18_a.7D4r4NOYL8-.xml",
-                            "4vi.H1hC7BRP18_a.7D4r4NOYL8-", 17, 218}));
-
-TEST(fixture_answers, error_bodies_have_no_metadata) {
-    for (const char* file :
-         {"errors/rubyripper-noReleasesFound-404.xml", "errors/mbserver-test-invalid-discid-400.xml"}) {
-        const std::string answer = mb_testing::fixture_answer(file);
-        try {
-            metadata_of(answer);
-            ADD_FAILURE() << file << ": metadata found";
-        } catch (const xml::error& e) {
-            EXPECT_STREQ(e.what(), "XML error") << file;
-        }
+TEST(fixture_answers, list_their_discs_but_yield_no_release_without_numbered_tracks) {
+    const struct {
+        std::string file;
+        std::string disc_id;      // the disc the answer is for
+        std::size_t track_count;  // the disc's tracks
+        std::size_t listed_ids;   // disc entries under its releases, repeats included
+    } cases[] = {
+        {"localhots-pmzhT6ZlFiwSRCdVwV0eqire5_Y-.xml", "pmzhT6ZlFiwSRCdVwV0eqire5_Y-", 9, 2},
+        {"mbserver-test-IeldkVfIh1wep_M8CMuDvA0nQ7Q-.xml", "IeldkVfIh1wep_M8CMuDvA0nQ7Q-", 9, 1},
+        {"mbserver-test-T.epJ9O5SoDjPqAJuOJfAI9O8Nk-_inc-artist-credits.xml", "T.epJ9O5SoDjPqAJuOJfAI9O8Nk-", 13, 2},
+        {"mbserver-test-toc-lookup-release-list-no-disc.xml", "IeldkVfIh1wep_M8CMuDvA0nQ7Q-", 9, 1},
+        {"ngs-f7agNZK1HMQ2WUWq9bwDymw9aHA-.xml", "f7agNZK1HMQ2WUWq9bwDymw9aHA-", 13, 5},
+        {"ngs-xp5tz6rE4OHrBafj0bLfDRMGK48-.xml", "xp5tz6rE4OHrBafj0bLfDRMGK48-", 8, 12},
+        {"rubyripper-oneReleaseFound-4vi.H1hC7BRP18_a.7D4r4NOYL8-.xml", "4vi.H1hC7BRP18_a.7D4r4NOYL8-", 17, 24},
+        {"rubyripper-multipleReleasesFound-4vi.H1hC7BRP18_a.7D4r4NOYL8-.xml", "4vi.H1hC7BRP18_a.7D4r4NOYL8-", 17, 218},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        const std::string answer = mb_testing::fixture_answer("discid/" + c.file);
+        names ids = disc_ids_in(answer);
+        EXPECT_EQ(ids.size(), c.listed_ids);
+        EXPECT_NE(std::find(ids.begin(), ids.end(), c.disc_id), ids.end());
+        for (const std::string& id : ids) EXPECT_TRUE(is_disc_id_form(id)) << id;
+        // Their track lists are counts only, or tracks without a "number": no medium qualifies.
+        EXPECT_TRUE(candidates_in(answer, c.disc_id, c.track_count).empty());
     }
+    // Error bodies have no metadata.
+    for (const char* file : {"errors/rubyripper-noReleasesFound-404.xml", "errors/mbserver-test-invalid-discid-400.xml"})
+        EXPECT_THROW(metadata_of(mb_testing::fixture_answer(file)), xml::error) << file;
 }
 
 TEST(fixture_answers, the_abbey_road_answer_has_its_recordings_but_no_track_numbers) {
@@ -132,12 +114,10 @@ TEST(server_answers, the_earliest_qualifying_edition_of_a_shared_disc_is_chosen)
     EXPECT_EQ(chosen.disc_number, 1u);
     EXPECT_EQ(chosen.total_discs, 2u);
     ASSERT_EQ(chosen.tracks.size(), 15u);
-    EXPECT_EQ(chosen.tracks[0].title, "Knotty Pine");
     EXPECT_EQ(chosen.tracks[0].artist, names{"Dirty Projectors + David Byrne"});
     EXPECT_EQ(chosen.tracks[1].title, "Cello Song (feat. Jos\xC3\xA9 Gonz\xC3\xA1lez)");
-    EXPECT_EQ(chosen.tracks[2].artist, (names{"Feist", "Ben Gibbard"}));          // joined by " and "
+    EXPECT_EQ(chosen.tracks[2].artist, (names{"Feist", "Ben Gibbard"}));             // joined by " and "
     EXPECT_EQ(chosen.tracks[10].artist, (names{"Justin Vernon", "Aaron Dessner"}));  // joined by " + "
-    EXPECT_EQ(chosen.tracks[12].artist, names{"Iron & Wine"});
     EXPECT_EQ(chosen.tracks[14].title, "You Are the Blood");
 }
 
@@ -151,10 +131,9 @@ TEST(server_answers, each_disc_of_a_two_disc_release_yields_its_own_medium) {
     EXPECT_EQ(first[0].date, "2002-07-16");
     EXPECT_EQ(first[0].disc_number, 1u);
     EXPECT_EQ(first[0].total_discs, 2u);
-    EXPECT_EQ(titles_of(first[0]),
-              (names{"Five Years", "Soul Love", "Moonage Daydream", "Starman", "It Ain\xE2\x80\x99t Easy",
-                     "Lady Stardust", "Star", "Hang On to Yourself", "Ziggy Stardust", "Suffragette City",
-                     "Rock 'n' Roll Suicide"}));  // the recording's title, not the track's
+    ASSERT_EQ(first[0].tracks.size(), 11u);
+    EXPECT_EQ(first[0].tracks[4].title, "It Ain\xE2\x80\x99t Easy");  // the recording's title, not the track's
+    EXPECT_EQ(first[0].tracks[10].title, "Rock 'n' Roll Suicide");
 
     // The answer for disc 1 lists disc 2 as well: it serves both.
     std::vector<musicbrainz_release> second = candidates_in(mb_testing::server_answer(disc1), disc2, 12);
@@ -172,14 +151,10 @@ TEST(server_answers, each_disc_of_a_two_disc_release_yields_its_own_medium) {
     EXPECT_NE(std::find(ids.begin(), ids.end(), disc2), ids.end());
 }
 
-TEST(server_answers, a_twelve_track_medium_is_ignored_when_eleven_tracks_are_selected) {
+TEST(server_answers, a_medium_counts_only_for_its_own_track_count_and_disc) {
     const std::string disc2 = "cm9L.BbeuJ_zNOwr0C_e.K0.D0E-";
-    EXPECT_TRUE(candidates_in(mb_testing::server_answer(disc2), disc2, 11).empty());
-    EXPECT_TRUE(candidates_in(mb_testing::server_answer(disc2), disc2, 13).empty());
-    EXPECT_EQ(candidates_in(mb_testing::server_answer(disc2), disc2, 12).size(), 1u);
-}
-
-TEST(server_answers, a_disc_listed_nowhere_yields_nothing) {
+    for (std::size_t count : {11u, 12u, 13u})
+        EXPECT_EQ(candidates_in(mb_testing::server_answer(disc2), disc2, count).size(), count == 12 ? 1u : 0u) << count;
     EXPECT_TRUE(candidates_in(mb_testing::server_answer("pphmFbEaZKk7KDKQ_AKCMVtrjIg-"),
                               "xp5tz6rE4OHrBafj0bLfDRMGK48-", 11).empty());
 }
@@ -300,47 +275,22 @@ std::string chosen_title(const std::vector<release_shape>& releases) {
     return choose_release(candidates_in(answer_of(releases), the_disc, 2)).title;
 }
 
-TEST(release_choice, the_earliest_date_wins) {
-    EXPECT_EQ(chosen_title({dated("later", "2001-03-01"), dated("earlier", "1999")}), "earlier");
-    EXPECT_EQ(chosen_title({dated("earlier", "1999-05-10"), dated("later", "2001")}), "earlier");
-    // Compared as bytes: a year alone sorts before any date in that year.
-    EXPECT_EQ(chosen_title({dated("day", "1999-05-10"), dated("year", "1999")}), "year");
-}
-
-TEST(release_choice, an_empty_date_counts_as_earliest) {
-    EXPECT_EQ(chosen_title({dated("dated", "1999"), dated("undated", "")}), "undated");
-}
-
-TEST(release_choice, equal_dates_go_to_the_first) {
-    EXPECT_EQ(chosen_title({dated("first", "1999"), dated("second", "1999")}), "first");
-}
-
-TEST(release_choice, a_release_without_a_date_element_never_matches) {
-    EXPECT_EQ(chosen_title({dated("no date", std::nullopt), dated("dated", "2005")}), "dated");
+TEST(release_choice, the_earliest_date_wins_and_a_missing_date_element_never_matches) {
+    const struct {
+        std::vector<release_shape> releases;
+        const char* chosen;
+    } cases[] = {
+        {{dated("later", "2001-03-01"), dated("earlier", "1999")}, "earlier"},
+        {{dated("earlier", "1999-05-10"), dated("later", "2001")}, "earlier"},
+        // Compared as bytes: a year alone sorts before any date in that year.
+        {{dated("day", "1999-05-10"), dated("year", "1999")}, "year"},
+        {{dated("dated", "1999"), dated("undated", "")}, "undated"},
+        {{dated("first", "1999"), dated("second", "1999")}, "first"},
+        {{dated("no date", std::nullopt), dated("dated", "2005")}, "dated"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(chosen_title(c.releases), c.chosen);
     EXPECT_THROW(chosen_title({dated("no date", std::nullopt)}), musicbrainz_no_match);
-}
-
-TEST(release_choice, nothing_to_choose_from_is_no_matching_entry) {
-    try {
-        choose_release({});
-        ADD_FAILURE() << "chosen";
-    } catch (const musicbrainz_no_match& e) {
-        EXPECT_STREQ(e.what(), "No matching entry");
-    }
-}
-
-struct medium_rule_case {
-    std::string name;
-    medium_shape medium;
-    bool kept;
-};
-
-class medium_rules : public testing::TestWithParam<medium_rule_case> {};
-
-TEST_P(medium_rules, decide_whether_a_medium_is_kept) {
-    release_shape r;
-    r.media = {GetParam().medium};
-    EXPECT_EQ(candidates_in(answer_of({r}), the_disc, 2).size(), GetParam().kept ? 1u : 0u);
+    EXPECT_THROW(choose_release({}), musicbrainz_no_match);
 }
 
 medium_shape with_numbers(names numbers, std::string count = "2") {
@@ -356,23 +306,34 @@ medium_shape with_discs(names ids) {
     return m;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    walk, medium_rules,
-    testing::Values(medium_rule_case{"plain", medium_shape{}, true},
-                    medium_rule_case{"numbers_out_of_order", with_numbers({"2", "1"}), true},
-                    medium_rule_case{"number_A1", with_numbers({"A1", "2"}), false},
-                    medium_rule_case{"number_zero", with_numbers({"0", "1"}), false},
-                    medium_rule_case{"number_beyond_the_count", with_numbers({"1", "3"}), false},
-                    medium_rule_case{"number_overflowing", with_numbers({"1", "99999999999"}), false},
-                    medium_rule_case{"empty_number", with_numbers({"", "1"}), false},  // reads as 0
-                    medium_rule_case{"count_says_three", with_numbers({"1", "2"}, "3"), false},
-                    medium_rule_case{"three_tracks_listed", with_numbers({"1", "2", "3"}), false},
-                    medium_rule_case{"count_not_a_number", with_numbers({"1", "2"}, "two"), false},
-                    medium_rule_case{"other_disc_only", with_discs({"xp5tz6rE4OHrBafj0bLfDRMGK48-"}), false},
-                    medium_rule_case{"among_other_discs", with_discs({"xp5tz6rE4OHrBafj0bLfDRMGK48-", the_disc}), true},
-                    medium_rule_case{"no_discs", with_discs({}), false},
-                    medium_rule_case{"id_differs_in_case", with_discs({"ieldkVfIh1wep_M8CMuDvA0nQ7Q-"}), false}),
-    [](const testing::TestParamInfo<medium_rule_case>& info) { return info.param.name; });
+TEST(medium_rules, decide_whether_a_medium_is_kept) {
+    const struct {
+        medium_shape medium;
+        bool kept;
+    } cases[] = {
+        {medium_shape{}, true},
+        {with_numbers({"2", "1"}), true},
+        {with_numbers({"A1", "2"}), false},
+        {with_numbers({"0", "1"}), false},
+        {with_numbers({"1", "3"}), false},
+        {with_numbers({"1", "99999999999"}), false},
+        {with_numbers({"", "1"}), false},  // reads as 0
+        {with_numbers({"1", "2"}, "3"), false},
+        {with_numbers({"1", "2", "3"}), false},
+        {with_numbers({"1", "2"}, "two"), false},
+        {with_discs({"xp5tz6rE4OHrBafj0bLfDRMGK48-"}), false},
+        {with_discs({"xp5tz6rE4OHrBafj0bLfDRMGK48-", the_disc}), true},
+        {with_discs({}), false},
+        {with_discs({"ieldkVfIh1wep_M8CMuDvA0nQ7Q-"}), false},  // the id differs in case
+    };
+    for (const auto& c : cases) {
+        release_shape r;
+        r.media = {c.medium};
+        EXPECT_EQ(candidates_in(answer_of({r}), the_disc, 2).size(), c.kept ? 1u : 0u)
+            << testing::PrintToString(c.medium.numbers) << " " << c.medium.count_attribute << " "
+            << testing::PrintToString(c.medium.disc_ids);
+    }
+}
 
 TEST(medium_rules, tracks_fill_their_slots_by_number) {
     release_shape r;
@@ -433,45 +394,15 @@ TEST(medium_rules, an_element_without_a_release_list_contributes_nothing) {
 // ---------------------------------------------------------------------------------------------
 // Numbers
 
-struct number_case {
-    std::string text;
-    std::uint32_t value;
-};
-
-class unsigned_numbers : public testing::TestWithParam<number_case> {};
-
-TEST_P(unsigned_numbers, read_as_decimal) {
-    EXPECT_EQ(parse_unsigned(GetParam().text.data(), GetParam().text.size()), GetParam().value);
+TEST(unsigned_numbers, read_as_decimal_within_32_bits_and_only_the_given_length) {
+    const std::pair<std::string, std::uint32_t> numbers[] = {{"", 0}, {"0", 0}, {"7", 7}, {"0012", 12},
+                                                             {"4294967295", 4294967295u}};
+    for (const auto& [text, value] : numbers) EXPECT_EQ(parse_unsigned(text.data(), text.size()), value) << text;
+    for (std::string text : {"A1", "-1", "+1", " 1", "1 ", "1/2", "1.0", "\xD9\xA1"})
+        EXPECT_THROW(parse_unsigned(text.data(), text.size()), ZR::invalid_input) << text;
+    for (std::string text : {"4294967296", "99999999999", "123456789012345678901234567890"})
+        EXPECT_THROW(parse_unsigned(text.data(), text.size()), ZR::overflow) << text;
+    EXPECT_EQ(parse_unsigned("12x", 2), 12u);
 }
-
-INSTANTIATE_TEST_SUITE_P(texts, unsigned_numbers,
-                         testing::Values(number_case{"", 0}, number_case{"0", 0}, number_case{"7", 7},
-                                         number_case{"0012", 12}, number_case{"4294967295", 4294967295u}));
-
-class non_numbers : public testing::TestWithParam<std::string> {};
-
-TEST_P(non_numbers, are_invalid_input) {
-    try {
-        parse_unsigned(GetParam().data(), GetParam().size());
-        ADD_FAILURE() << "read";
-    } catch (const ZR::invalid_input& e) {
-        EXPECT_STREQ(e.what(), "invalid input");
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(texts, non_numbers, testing::Values("A1", "-1", "+1", " 1", "1 ", "1/2", "1.0", "\xD9\xA1"));
-
-TEST(unsigned_numbers, values_beyond_32_bits_overflow) {
-    for (std::string text : {"4294967296", "99999999999", "123456789012345678901234567890"}) {
-        try {
-            parse_unsigned(text.data(), text.size());
-            ADD_FAILURE() << text;
-        } catch (const ZR::overflow& e) {
-            EXPECT_STREQ(e.what(), "overflow");
-        }
-    }
-}
-
-TEST(unsigned_numbers, only_the_given_length_is_read) { EXPECT_EQ(parse_unsigned("12x", 2), 12u); }
 
 } // namespace

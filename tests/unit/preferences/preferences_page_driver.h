@@ -23,6 +23,7 @@
 
 #include "config/preferences_page_guid.h"
 #include "config/settings.h"
+#include "resources/resource.h"
 #include "ui/headless/headless_view.h"
 #include "unit/config/server_record_maker.h"
 
@@ -34,24 +35,23 @@ inline void PrintTo(const server_record& r, std::ostream* os) {
 
 namespace preferences_testing {
 
-// The controls by the ids of the templates (spelled out here rather than taken from the
-// component, so that a wrong id there shows up).
+// The controls of the page and of the server editor.
 enum page_control : int {
-    email = 1001,
-    servers = 1002,
-    add_button = 1025,
-    edit_button = 1026,
-    remove_button = 1028,
-    retrieve_button = 1030,
+    email = IDC_PREFS_EMAIL,
+    servers = IDC_PREFS_SERVERS,
+    add_button = IDC_PREFS_ADD,
+    edit_button = IDC_PREFS_EDIT,
+    remove_button = IDC_PREFS_REMOVE,
+    retrieve_button = IDC_PREFS_RETRIEVE,
 };
 enum editor_control : int {
-    ok = 1,
-    cancel = 2,
-    protocol_field = 1029,
-    server_field = 1026,
-    port_field = 1027,
-    address_field = 1028,
-    description_field = 1030,
+    ok = 1,      // IDOK
+    cancel = 2,  // IDCANCEL
+    protocol_field = IDC_EDITOR_PROTOCOL,
+    server_field = IDC_EDITOR_SERVER,
+    port_field = IDC_EDITOR_PORT,
+    address_field = IDC_EDITOR_ADDRESS,
+    description_field = IDC_EDITOR_DESCRIPTION,
 };
 constexpr std::uint32_t unchanged_state = 0x10008, changed_state = 0x10009;
 

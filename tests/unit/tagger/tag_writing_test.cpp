@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "cddb/cddb_test_support.h"
-#include "cddb/xmcd_parser.h"
+#include "cddb/read_handler.h"
 #include "tagger/tag_sets.h"
 #include "tagger/tag_writer.h"
 #include "tagger_test_support.h"
@@ -13,15 +13,6 @@ namespace tagger_testing {
 namespace {
 
 using fields = std::vector<std::pair<std::string, std::vector<std::string>>>;
-
-struct tag_set_case {
-    const char* name;
-    match disc;
-    std::size_t track;
-    fields expected;
-};
-
-void PrintTo(const tag_set_case& c, std::ostream* os) { *os << c.name; }
 
 match disc_of(const char* dtitle, std::vector<std::string> titles, bool various = false) {
     match m;
@@ -39,70 +30,51 @@ match with(match m, const char* year, const char* genre, const char* disc_commen
     return m;
 }
 
-class track_tag_set : public ::testing::TestWithParam<tag_set_case> {};
-
-TEST_P(track_tag_set, has_exactly_these_fields_in_this_order) {
-    const tag_set_case& c = GetParam();
-    disc_record record = make_record(c.disc);
-    std::vector<tag_record> sets = build_track_tag_sets(record, record.get_track_count());
-    ASSERT_EQ(sets.size(), record.get_track_count());
-    EXPECT_EQ(fields_of(sets[c.track]), c.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    discs, track_tag_set,
-    ::testing::Values(
-        tag_set_case{"year_and_genre",
-                     with(disc_of("Band / Album", {"One", "Two"}), "1999", "Rock", ""), 1,
-                     {{"album", {"Album"}}, {"date", {"1999"}}, {"genre", {"Rock"}}, {"artist", {"Band"}},
-                      {"title", {"Two"}}, {"tracknumber", {"2"}}, {"totaltracks", {"2"}}}},
-        tag_set_case{"empty_year_and_genre_write_neither",
-                     disc_of("Band / Album", {"One"}), 0,
-                     {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
-        tag_set_case{"empty_album_is_still_written",
-                     disc_of("Band / ", {"One"}), 0,
-                     {{"album", {""}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
-        tag_set_case{"title_without_separator_is_artist_and_album",
-                     disc_of("Greatest Hits", {"One"}), 0,
-                     {{"album", {"Greatest Hits"}}, {"artist", {"Greatest Hits"}}, {"title", {"One"}}, {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
-        tag_set_case{"various_artists_track_with_its_own_artist",
-                     disc_of("Various / Hits", {"Band / Song", "Intro"}, true), 0,
-                     {{"album", {"Hits"}}, {"album artist", {"Various"}}, {"artist", {"Band"}}, {"title", {"Song"}},
-                      {"tracknumber", {"1"}}, {"totaltracks", {"2"}}}},
-        tag_set_case{"various_artists_track_without_its_own_artist",
-                     disc_of("Various / Hits", {"Band / Song", "Intro"}, true), 1,
-                     {{"album", {"Hits"}}, {"album artist", {"Various"}}, {"artist", {"Various"}}, {"title", {"Intro"}},
-                      {"tracknumber", {"2"}}, {"totaltracks", {"2"}}}},
-        tag_set_case{"various_artists_split_at_the_first_separator",
-                     disc_of("Various / Live", {"Artist X / Song / Live"}, true), 0,
-                     {{"album", {"Live"}}, {"album artist", {"Various"}}, {"artist", {"Artist X"}}, {"title", {"Song / Live"}},
-                      {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
-        tag_set_case{"single_artist_title_is_not_split",
-                     disc_of("Band / Album", {"Band / Song"}), 0,
-                     {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"Band / Song"}}, {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
-        tag_set_case{"disc_and_track_comment_in_this_order",
-                     with(disc_of("Band / Album", {"One"}), "", "", "ripped", {"live"}), 0,
-                     {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}}, {"totaltracks", {"1"}},
-                      {"comment", {"ripped", "live"}}}},
-        tag_set_case{"track_comment_alone",
-                     with(disc_of("Band / Album", {"One", "Two"}), "", "", "", {"", "live"}), 1,
-                     {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"Two"}}, {"tracknumber", {"2"}}, {"totaltracks", {"2"}},
-                      {"comment", {"live"}}}},
-        tag_set_case{"disc_comment_on_a_track_without_one",
-                     with(disc_of("Band / Album", {"One", "Two"}), "", "", "ripped", {"", "live"}), 0,
-                     {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}}, {"totaltracks", {"2"}},
-                      {"comment", {"ripped"}}}}),
-    [](const ::testing::TestParamInfo<tag_set_case>& info) { return std::string(info.param.name); });
-
-TEST(track_tag_sets, ten_tracks_are_numbered_one_to_ten_of_ten) {
-    disc_record record = make_record(numbered_match("Band / Album", 10));
-    std::vector<tag_record> sets = build_track_tag_sets(record, 10);
-    ASSERT_EQ(sets.size(), 10u);
-    for (std::size_t i = 0; i < 10; ++i) {
-        SCOPED_TRACE(i);
-        EXPECT_STREQ(sets[i].first_value("tracknumber"), std::to_string(i + 1).c_str());
-        EXPECT_STREQ(sets[i].first_value("totaltracks"), "10");
-        EXPECT_STREQ(sets[i].first_value("title"), ("Title " + std::to_string(i + 1)).c_str());
+TEST(track_tag_sets, have_exactly_these_fields_in_this_order) {
+    const struct {
+        match disc;
+        std::size_t track;
+        fields expected;
+    } cases[] = {
+        {with(disc_of("Band / Album", {"One", "Two"}), "1999", "Rock", ""), 1,
+         {{"album", {"Album"}}, {"date", {"1999"}}, {"genre", {"Rock"}}, {"artist", {"Band"}}, {"title", {"Two"}},
+          {"tracknumber", {"2"}}, {"totaltracks", {"2"}}}},
+        // An empty album is still written; a title without " / " is artist and album.
+        {disc_of("Band / ", {"One"}), 0,
+         {{"album", {""}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
+        {disc_of("Greatest Hits", {"One"}), 0,
+         {{"album", {"Greatest Hits"}}, {"artist", {"Greatest Hits"}}, {"title", {"One"}}, {"tracknumber", {"1"}},
+          {"totaltracks", {"1"}}}},
+        // Various artists: a track's own artist, else the album's; split at the first separator.
+        {disc_of("Various / Hits", {"Band / Song", "Intro"}, true), 0,
+         {{"album", {"Hits"}}, {"album artist", {"Various"}}, {"artist", {"Band"}}, {"title", {"Song"}},
+          {"tracknumber", {"1"}}, {"totaltracks", {"2"}}}},
+        {disc_of("Various / Hits", {"Band / Song", "Intro"}, true), 1,
+         {{"album", {"Hits"}}, {"album artist", {"Various"}}, {"artist", {"Various"}}, {"title", {"Intro"}},
+          {"tracknumber", {"2"}}, {"totaltracks", {"2"}}}},
+        {disc_of("Various / Live", {"Artist X / Song / Live"}, true), 0,
+         {{"album", {"Live"}}, {"album artist", {"Various"}}, {"artist", {"Artist X"}}, {"title", {"Song / Live"}},
+          {"tracknumber", {"1"}}, {"totaltracks", {"1"}}}},
+        {disc_of("Band / Album", {"Band / Song"}), 0,
+         {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"Band / Song"}}, {"tracknumber", {"1"}},
+          {"totaltracks", {"1"}}}},
+        // Comments: the disc's, then the track's.
+        {with(disc_of("Band / Album", {"One"}), "", "", "ripped", {"live"}), 0,
+         {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}},
+          {"totaltracks", {"1"}}, {"comment", {"ripped", "live"}}}},
+        {with(disc_of("Band / Album", {"One", "Two"}), "", "", "", {"", "live"}), 1,
+         {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"Two"}}, {"tracknumber", {"2"}},
+          {"totaltracks", {"2"}}, {"comment", {"live"}}}},
+        {with(disc_of("Band / Album", {"One", "Two"}), "", "", "ripped", {"", "live"}), 0,
+         {{"album", {"Album"}}, {"artist", {"Band"}}, {"title", {"One"}}, {"tracknumber", {"1"}},
+          {"totaltracks", {"2"}}, {"comment", {"ripped"}}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.disc.dtitle + " track " + std::to_string(c.track));
+        disc_record record = make_record(c.disc);
+        std::vector<tag_record> sets = build_track_tag_sets(record, record.get_track_count());
+        ASSERT_EQ(sets.size(), record.get_track_count());
+        EXPECT_EQ(fields_of(sets[c.track]), c.expected);
     }
 }
 
@@ -166,7 +138,6 @@ TEST_F(tagger_test, update_files_writes_what_the_controls_show) {
     EXPECT_EQ(call.tracks, state->tracks);
     EXPECT_EQ(call.parent, view.handle());
     EXPECT_EQ(call.flags, 0u);
-    EXPECT_EQ(call.task_id, 0x976e641du);
     EXPECT_FALSE(view.window_enabled());
     EXPECT_EQ(fields_of(updates->tags_of(state->tracks[2])),
               (fields{{"album", {"Album"}},
@@ -206,10 +177,8 @@ TEST_F(tagger_test, the_wipe_box_decides_whether_old_tags_survive) {
 TEST_F(tagger_test, the_various_artists_box_decides_at_update_how_titles_are_read) {
     // A real entry whose single artist has titles with " / ": the entry is read as various artists.
     disc_record entry;
-    xmcd_parser parser(entry);
-    for (const std::string& line : cddb_testing::lines_of(cddb_testing::fixture_bytes("xmcd/entries/9e0e740c.xmcd")))
-        parser.feed_line(line);
-    finish_disc_record(entry);
+    read_handler handler("misc", [&](disc_record&& r) { entry = std::move(r); });
+    cddb_testing::feed_answer(handler, "210 entry follows\n" + cddb_testing::fixture_bytes("xmcd/entries/9e0e740c.xmcd"));
     ASSERT_EQ(entry.get_track_count(), 12u);
 
     for (bool untick : {false, true}) {
@@ -260,46 +229,34 @@ TEST_F(tagger_test, without_a_match_update_files_asks_the_user_to_choose_one) {
 
     ASSERT_EQ(view.messages().size(), 1u);
     EXPECT_EQ(view.messages()[0].text, "You need to select one of the matches first.");
-    EXPECT_EQ(view.messages()[0].caption, "discora tagger");
-    EXPECT_EQ(view.messages()[0].flags, 0x10u);
     EXPECT_TRUE(updates->calls().empty());
     EXPECT_TRUE(host.console_lines().empty());
 }
 
-struct completion_case {
-    const char* name;
-    std::uint32_t result;
-    bool closes;
-};
+TEST_F(tagger_test, success_closes_the_dialog_and_anything_else_lets_the_user_retry) {
+    for (std::uint32_t result : {completion_notification::result_success, completion_notification::result_aborted,
+                                 completion_notification::result_failure}) {
+        SCOPED_TRACE(result);
+        headless_view& view = open(make_lookup(2, {{"Server", {numbered_match("Band / Album", 2)}}}));
+        HWND window = view.handle();
+        view.type_text(album, "Edited");
+        std::size_t calls = updates->calls().size();
+        view.click(update_files);
+        ASSERT_FALSE(view.window_enabled());
 
-void PrintTo(const completion_case& c, std::ostream* os) { *os << c.name; }
+        updates->complete(result);
+        run_main_thread();
 
-class update_completion : public tagger_test, public ::testing::WithParamInterface<completion_case> {};
-
-TEST_P(update_completion, success_closes_anything_else_lets_the_user_retry) {
-    const completion_case& c = GetParam();
-    headless_view& view = open(make_lookup(2, {{"Server", {numbered_match("Band / Album", 2)}}}));
-    HWND window = view.handle();
-    view.type_text(album, "Edited");
-    view.click(update_files);
-    ASSERT_FALSE(view.window_enabled());
-
-    updates->complete(c.result);
-    run_main_thread();
-
-    EXPECT_EQ(closed(window), c.closes);
-    if (c.closes) return;
-    EXPECT_TRUE(view.window_enabled());
-    EXPECT_EQ(view.get_text(album), "Edited");
-    view.click(update_files);
-    EXPECT_EQ(updates->calls().size(), 2u);
+        bool success = result == completion_notification::result_success;
+        EXPECT_EQ(closed(window), success);
+        if (success) continue;
+        EXPECT_TRUE(view.window_enabled());
+        EXPECT_EQ(view.get_text(album), "Edited");
+        view.click(update_files);
+        EXPECT_EQ(updates->calls().size(), calls + 2);
+        view.close();
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(results, update_completion,
-                         ::testing::Values(completion_case{"success", completion_notification::result_success, true},
-                                           completion_case{"aborted", completion_notification::result_aborted, false},
-                                           completion_case{"failed", completion_notification::result_failure, false}),
-                         [](const ::testing::TestParamInfo<completion_case>& info) { return std::string(info.param.name); });
 
 TEST_F(tagger_test, a_completion_for_another_task_is_ignored) {
     headless_view& view = open(make_lookup(1, {{"Server", {numbered_match("Band / Album", 1)}}}));

@@ -19,26 +19,26 @@
 #include <hostkit/window_list.h>
 
 #include "cddb/lookup_state.h"
+#include "resources/resource.h"
 #include "support/test_host.h"
 #include "ui/headless/headless_view.h"
 
 namespace tagger_testing {
 
-// The dialog's controls by the ids of its template (spelled out here rather than taken from the
-// component, so that a wrong id there shows up).
+// The dialog's controls.
 enum control : int {
-    matches_group = 1010,
-    matches = 1011,
-    artist = 1006,
-    album = 1007,
-    year = 1008,
-    genre = 1009,
-    various_artists = 1021,
-    tracks = 1024,
-    wipe_tags = 1017,
-    update_files = 1022,
-    settings = 3,
-    close_button = 2,
+    matches_group = IDC_TAGGER_MATCHES_GROUP,
+    matches = IDC_TAGGER_MATCHES,
+    artist = IDC_TAGGER_ARTIST,
+    album = IDC_TAGGER_ALBUM,
+    year = IDC_TAGGER_YEAR,
+    genre = IDC_TAGGER_GENRE,
+    various_artists = IDC_TAGGER_VARIOUS,
+    tracks = IDC_TAGGER_TRACKS,
+    wipe_tags = IDC_TAGGER_WIPE,
+    update_files = IDC_TAGGER_UPDATE,
+    settings = IDC_TAGGER_SETTINGS,
+    close_button = IDC_TAGGER_CLOSE,
 };
 constexpr unsigned key_f2 = 0x71;
 constexpr int title_column = 1, comment_column = 2;

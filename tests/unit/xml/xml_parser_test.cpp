@@ -29,110 +29,54 @@ xml::element in_namespace(const std::string& inner) {
     return xml::find_child(document(std::string("<m xmlns=\"") + ns + "\">" + inner + "</m>"), "m");
 }
 
-void expect_xml_error(const std::function<void()>& action, const char* message = "XML error") {
+void expect_xml_error(const std::function<void()>& action, const char* message = nullptr) {
     try {
         action();
         ADD_FAILURE() << "no error was raised";
     } catch (const xml::error& e) {
-        EXPECT_STREQ(e.what(), message);
-    }
-}
-
-// ---------------------------------------------------------------------------------------------
-// Exceptions
-
-TEST(xml_exceptions, carry_their_texts_and_sit_in_their_families) {
-    try {
-        throw xml::error();
-    } catch (const ZR::invalid_input& e) {
-        EXPECT_STREQ(e.what(), "XML error");
-    }
-    try {
-        throw ZR::invalid_input();
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "invalid input");
-    }
-    try {
-        throw ZR::overflow();
-    } catch (const std::overflow_error& e) {
-        EXPECT_STREQ(e.what(), "overflow");
-    }
-    try {
-        throw ZR::user_abort();
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "user abort");
+        if (message) {
+            EXPECT_STREQ(e.what(), message);
+        }
     }
 }
 
 // ---------------------------------------------------------------------------------------------
 // Entities
 
-struct entity_case {
-    std::string text;
-    std::string decoded;
-};
-
-class xml_entity_decoding : public testing::TestWithParam<entity_case> {};
-
-TEST_P(xml_entity_decoding, gives_the_characters) {
-    const std::string& text = GetParam().text;
-    EXPECT_EQ(xml::decode_entities(text.data(), text.size()), GetParam().decoded) << text;
+TEST(xml_entities, decode_to_the_characters_or_are_refused) {
+    const std::pair<std::string, std::string> decoded[] = {
+        {"&#65;", "A"}, {"&#x41;", "A"}, {"&#X41;", "A"},
+        {"&65;", "A"},  // a name starting with a digit is a decimal number
+        {"&AMP;", "&"}, {"&amp;&lt;&gt;&apos;&quot;", "&<>'\""}, {"&nbsp;", "\xC2\xA0"},
+        {"&#x2665;", "\xE2\x99\xA5"}, {"&#x10FFFF;", "\xF4\x8F\xBF\xBF"}, {"&#0;", std::string(1, '\0')},
+        {"&#4294967295;", ""},  // fits in 32 bits, but UTF-8 cannot write it
+        {"Ge\xC3\xA4usch &amp; more", "Ge\xC3\xA4usch & more"}, {"", ""},
+    };
+    for (const auto& [text, chars] : decoded) EXPECT_EQ(xml::decode_entities(text.data(), text.size()), chars) << text;
+    for (std::string text : {"&foo;", "Tom & Jerry", "&amp", "&;", "&#;", "&#x;", "&#12a;", "&#4294967296;",
+                             "&#x100000000;", "caf\xE9" /* Latin-1, not UTF-8 */, "\xC3", "\x80"}) {
+        SCOPED_TRACE(text);
+        expect_xml_error([&] { xml::decode_entities(text.data(), text.size()); });
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    references, xml_entity_decoding,
-    testing::Values(entity_case{"&#65;", "A"}, entity_case{"&#x41;", "A"}, entity_case{"&#X41;", "A"},
-                    entity_case{"&65;", "A"},  // a name starting with a digit is a decimal number
-                    entity_case{"&AMP;", "&"}, entity_case{"&amp;&lt;&gt;&apos;&quot;", "&<>'\""},
-                    entity_case{"&nbsp;", "\xC2\xA0"}, entity_case{"&#x2665;", "\xE2\x99\xA5"},
-                    entity_case{"&#x10FFFF;", "\xF4\x8F\xBF\xBF"},
-                    entity_case{"&#0;", std::string(1, '\0')},
-                    entity_case{"&#4294967295;", ""},  // fits in 32 bits, but UTF-8 cannot write it
-                    entity_case{"Ge\xC3\xA4usch &amp; more", "Ge\xC3\xA4usch & more"},
-                    entity_case{"no references", "no references"}, entity_case{"", ""}));
-
-class xml_entity_refusal : public testing::TestWithParam<std::string> {};
-
-TEST_P(xml_entity_refusal, is_an_xml_error) {
-    const std::string& text = GetParam();
-    expect_xml_error([&] { xml::decode_entities(text.data(), text.size()); });
-}
-
-INSTANTIATE_TEST_SUITE_P(references, xml_entity_refusal,
-                         testing::Values("&foo;", "Tom & Jerry", "&amp", "&;", "&#;", "&#x;", "&#12a;",
-                                         "&#4294967296;", "&#x100000000;", "caf\xE9",  // Latin-1, not UTF-8
-                                         "\xC3", "\x80"));
 
 // ---------------------------------------------------------------------------------------------
 // UTF-8 helpers
 
-struct utf8_case {
-    std::uint32_t code_point;
-    std::string bytes;
-};
-
-class xml_utf8_round_trip : public testing::TestWithParam<utf8_case> {};
-
-TEST_P(xml_utf8_round_trip, encodes_and_decodes) {
-    char out[6];
-    std::size_t n = xml::utf8_encode_char(GetParam().code_point, out);
-    EXPECT_EQ(std::string(out, n), GetParam().bytes);
-    std::uint32_t decoded = 0;
-    const std::string& bytes = GetParam().bytes;
-    EXPECT_EQ(xml::utf8_decode_char(bytes.data(), bytes.size(), decoded), bytes.size());
-    EXPECT_EQ(decoded, GetParam().code_point);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    lengths, xml_utf8_round_trip,
-    testing::Values(utf8_case{0x41, "A"}, utf8_case{0x7F, "\x7F"}, utf8_case{0x80, "\xC2\x80"},
-                    utf8_case{0x7FF, "\xDF\xBF"}, utf8_case{0x800, "\xE0\xA0\x80"},
-                    utf8_case{0xFFFF, "\xEF\xBF\xBF"}, utf8_case{0x10000, "\xF0\x90\x80\x80"},
-                    utf8_case{0x1FFFFF, "\xF7\xBF\xBF\xBF"}, utf8_case{0x200000, "\xF8\x88\x80\x80\x80"},
-                    utf8_case{0x4000000, "\xFC\x84\x80\x80\x80\x80"},
-                    utf8_case{0x7FFFFFFF, "\xFD\xBF\xBF\xBF\xBF\xBF"}));
-
-TEST(xml_utf8, code_points_above_31_bits_are_not_written) {
+TEST(xml_utf8, code_points_up_to_31_bits_encode_and_decode) {
+    const std::pair<std::uint32_t, std::string> cases[] = {
+        {0x41, "A"}, {0x7F, "\x7F"}, {0x80, "\xC2\x80"}, {0x7FF, "\xDF\xBF"}, {0x800, "\xE0\xA0\x80"},
+        {0xFFFF, "\xEF\xBF\xBF"}, {0x10000, "\xF0\x90\x80\x80"}, {0x1FFFFF, "\xF7\xBF\xBF\xBF"},
+        {0x200000, "\xF8\x88\x80\x80\x80"}, {0x4000000, "\xFC\x84\x80\x80\x80\x80"},
+        {0x7FFFFFFF, "\xFD\xBF\xBF\xBF\xBF\xBF"},
+    };
+    for (const auto& [code_point, bytes] : cases) {
+        char out[6];
+        EXPECT_EQ(std::string(out, xml::utf8_encode_char(code_point, out)), bytes);
+        std::uint32_t decoded = 0;
+        EXPECT_EQ(xml::utf8_decode_char(bytes.data(), bytes.size(), decoded), bytes.size());
+        EXPECT_EQ(decoded, code_point);
+    }
     char out[6];
     EXPECT_EQ(xml::utf8_encode_char(0x80000000u, out), 0u);
     EXPECT_EQ(xml::utf8_encode_char(0xFFFFFFFFu, out), 0u);
@@ -159,32 +103,25 @@ TEST(xml_utf8, malformed_and_truncated_sequences_decode_to_nothing) {
 // ---------------------------------------------------------------------------------------------
 // Document preparation
 
-struct prepared_case {
-    std::string text;
-    std::string rest;  // where the span starts afterwards
-};
-
-class xml_declaration_skipping : public testing::TestWithParam<prepared_case> {};
-
-TEST_P(xml_declaration_skipping, narrows_the_span) {
-    std::string_view view = GetParam().text;
-    xml::prepare_document(view);
-    EXPECT_EQ(std::string(view), GetParam().rest);
+TEST(xml_declaration, is_skipped_with_a_byte_order_mark_and_other_processing_left_in_place) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"<a/>", "<a/>"},
+        {"\xEF\xBB\xBF<a/>", "<a/>"},
+        {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n  <a/>", "<a/>"},
+        {"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?><a/>", "<a/>"},
+        {"<?xml version='1.0' encoding='UTF-16'?><a/>", "<a/>"},
+        {"<?xml version=\"1.0\"?><a/>", "<a/>"},  // no encoding: accepted
+        {"<?xml\tversion = \"1.0\"\r\nstandalone=\"yes\" ?><a/>", "<a/>"},
+        {"<?xml encoding=\"&#85;TF-8\"?><a/>", "<a/>"},  // values are decoded
+        {"<?xml-stylesheet href=\"s.xsl\"?><a/>", "<?xml-stylesheet href=\"s.xsl\"?><a/>"},
+        {"  <?xml version=\"1.0\"?><a/>", "  <?xml version=\"1.0\"?><a/>"},
+    };
+    for (const auto& [text, rest] : cases) {
+        std::string_view view = text;
+        xml::prepare_document(view);
+        EXPECT_EQ(std::string(view), rest);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    declarations, xml_declaration_skipping,
-    testing::Values(prepared_case{"<a/>", "<a/>"},
-                    prepared_case{"\xEF\xBB\xBF<a/>", "<a/>"},
-                    prepared_case{"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n  <a/>", "<a/>"},
-                    prepared_case{"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?><a/>", "<a/>"},
-                    prepared_case{"<?xml version='1.0' encoding='UTF-16'?><a/>", "<a/>"},
-                    prepared_case{"<?xml version=\"1.0\"?><a/>", "<a/>"},  // no encoding: accepted
-                    prepared_case{"<?xml\tversion = \"1.0\"\r\nstandalone=\"yes\" ?><a/>", "<a/>"},
-                    prepared_case{"<?xml encoding=\"&#85;TF-8\"?><a/>", "<a/>"},  // values are decoded
-                    // Not a declaration: left in place.
-                    prepared_case{"<?xml-stylesheet href=\"s.xsl\"?><a/>", "<?xml-stylesheet href=\"s.xsl\"?><a/>"},
-                    prepared_case{"  <?xml version=\"1.0\"?><a/>", "  <?xml version=\"1.0\"?><a/>"}));
 
 TEST(xml_declaration, refuses_encodings_it_does_not_read) {
     for (const char* text : {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a/>",
@@ -245,10 +182,11 @@ TEST(xml_lookups, a_missing_child_is_an_error_for_find_child_only) {
     EXPECT_EQ(out.content, "1");
 }
 
-TEST(xml_lookups, only_direct_children_are_seen) {
-    xml::element a = xml::find_child(in_namespace("<a><b><c>deep</c></b></a>"), "a");
+TEST(xml_lookups, only_direct_children_are_seen_by_their_case_sensitive_names) {
+    xml::element a = xml::find_child(in_namespace("<a><b><c>deep</c></b><Title>t</Title></a>"), "a");
     EXPECT_TRUE(xml::find_children(a, "c").empty());
     EXPECT_EQ(xml::text_of(xml::find_child(xml::find_child(a, "b"), "c")), "deep");
+    EXPECT_TRUE(xml::find_children(a, "title").empty());
 }
 
 TEST(xml_lookups, a_found_child_carries_its_attributes_namespaces_and_trimmed_content) {
@@ -272,13 +210,6 @@ TEST(xml_lookups, end_tags_compare_ignoring_ascii_case) {
     EXPECT_EQ(xml::find_child(in_namespace("<Track><x>1</X ></TRACK\n>"), "Track").content, "<x>1</X >");
     expect_xml_error([] { in_namespace("<b>1</c>"); });
     expect_xml_error([] { xml::find_child(in_namespace("<a><b>1</c></a>"), "a"); });
-}
-
-TEST(xml_lookups, element_names_are_case_sensitive) {
-    xml::element m = in_namespace("<Title>t</Title>");
-    xml::element out;
-    EXPECT_FALSE(xml::try_find_child(m, "title", out));
-    EXPECT_TRUE(xml::try_find_child(m, "Title", out));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -337,14 +268,10 @@ TEST(xml_text, entities_are_decoded_and_markup_that_is_skipped_adds_nothing) {
     EXPECT_EQ(xml::text_of(xml::find_child(m, "q")), "\"Quoted\" <b>");
 }
 
-TEST(xml_text, an_element_with_children_has_no_text) {
-    xml::element m = in_namespace("<t>a<b/>c</t>");
+TEST(xml_text, an_element_with_children_or_a_bad_entity_has_no_text) {
+    xml::element m = in_namespace("<t>a<b/>c</t><u>Simon & Garfunkel</u>");
     expect_xml_error([&] { xml::text_of(xml::find_child(m, "t")); });
-}
-
-TEST(xml_text, a_bad_entity_in_text_is_an_xml_error) {
-    xml::element m = in_namespace("<t>Simon & Garfunkel</t>");
-    expect_xml_error([&] { xml::text_of(xml::find_child(m, "t")); });
+    expect_xml_error([&] { xml::text_of(xml::find_child(m, "u")); });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -363,35 +290,20 @@ TEST(xml_tags, blanks_around_the_equals_sign_are_allowed) {
     EXPECT_EQ(a.attributes, (xml::attribute_map{{"x", "1"}, {"y", "2"}}));
 }
 
-class xml_malformed_markup : public testing::TestWithParam<std::string> {};
-
 // Each text is the content of an element the lookups scan.
-TEST_P(xml_malformed_markup, is_an_xml_error) {
-    xml::element parent;
-    parent.content = GetParam();
-    expect_xml_error([&] { xml::find_children(parent, "a", ""); });
+TEST(xml_tags, malformed_markup_is_an_xml_error) {
+    for (const char* text : {"<a x='1'>t</a>",            // single-quoted attribute
+                             "<a x=\"1\" x=\"2\">t</a>",  // attribute twice
+                             "<a x>t</a>", "<a x=\"1>t</a>", "<a x=\"1\"y=1>t</a>", "<a x=\"&nope;\">t</a>",
+                             "<a>t", "<a>t</a", "<a><b>t</a>", "text <", "<!-- never closed",
+                             "<![CDATA[ never closed", "<!DOCTYPE never closed", "<>t</>", "< a>t</a>",
+                             "<a/b>t</a/b>", "<a<b>t</a<b>", "<a>t<>u</></a>"}) {
+        SCOPED_TRACE(text);
+        xml::element parent;
+        parent.content = text;
+        expect_xml_error([&] { xml::find_children(parent, "a", ""); });
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    texts, xml_malformed_markup,
-    testing::Values("<a x='1'>t</a>",               // single-quoted attribute
-                    "<a x=\"1\" x=\"2\">t</a>",     // attribute twice
-                    "<a x>t</a>",                   // no "="
-                    "<a x=\"1>t</a>",               // value never ends (the tag neither)
-                    "<a x=\"1\"y=1>t</a>",          // unquoted value
-                    "<a x=\"&nope;\">t</a>",        // unknown entity in a value
-                    "<a>t",                         // no end tag
-                    "<a>t</a",                      // end tag never closed
-                    "<a><b>t</a>",                  // nested element never closed
-                    "text <",                       // "<" as the last byte
-                    "<!-- never closed",
-                    "<![CDATA[ never closed",
-                    "<!DOCTYPE never closed",
-                    "<>t</>",                       // empty name
-                    "< a>t</a>",                    // empty name (blank right after "<")
-                    "<a/b>t</a/b>",                 // "/" inside a name
-                    "<a<b>t</a<b>",                 // "<" inside a name
-                    "<a>t<>u</></a>"));             // an empty nested name
 
 TEST(xml_tags, a_stray_end_tag_ends_the_level) {
     xml::element parent;
@@ -410,14 +322,11 @@ std::string nested(unsigned depth) {
     return text;
 }
 
-TEST(xml_depth, two_hundred_fifty_six_levels_are_read) {
+TEST(xml_depth, the_deepest_allowed_nesting_is_read_and_deeper_is_an_xml_error_not_a_crash) {
     xml::element e = document(nested(xml::max_depth));
     for (unsigned level = 0; level < xml::max_depth; ++level) e = xml::find_child(e, "e", "");
     EXPECT_EQ(xml::text_of(e), "x");
-}
-
-TEST(xml_depth, deeper_nesting_is_an_xml_error_not_a_crash) {
-    for (unsigned depth : {xml::max_depth + 1, 300u, 100000u}) {
+    for (unsigned depth : {xml::max_depth + 1, 100000u}) {
         xml::element doc = document(nested(depth));
         expect_xml_error([&] { xml::find_child(doc, "e", ""); });
     }
@@ -457,12 +366,7 @@ TEST(xml_scan, a_set_abort_flag_stops_find_children) {
     std::atomic<bool> abort{false};
     EXPECT_EQ(xml::find_children(m, "b", ns, &abort).size(), 2u);
     abort = true;
-    try {
-        xml::find_children(m, "b", ns, &abort);
-        ADD_FAILURE() << "not aborted";
-    } catch (const ZR::user_abort& e) {
-        EXPECT_STREQ(e.what(), "user abort");
-    }
+    EXPECT_THROW(xml::find_children(m, "b", ns, &abort), ZR::user_abort);
 }
 
 } // namespace
