@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/headless/dialog_templates.h"
 #include "ui_support.h"
 
 #include <commctrl.h>
@@ -249,32 +248,4 @@ TEST_F(tagger_window, has_a_modal_frame_a_size_grip_and_a_smallest_size) {
     EXPECT_GT(limits.ptMinTrackSize.y, units.bottom);
     RECT whole = screen_rect(dialog);
     EXPECT_LT(limits.ptMinTrackSize.x, whole.right - whole.left);  // the template's own size is larger
-}
-
-TEST_F(tagger_window, the_template_has_every_control_the_headless_view_knows) {
-    HWND dialog = open(make_lookup(4, {{"Main server", {ska}}}));
-    ASSERT_TRUE(dialog);
-    const dialog_template& t = find_dialog_template(103);
-    EXPECT_EQ(text_of(dialog), t.title);
-    for (const control_template& c : t.controls) {
-        HWND control = GetDlgItem(dialog, c.id);
-        ASSERT_TRUE(control) << "no control " << c.id;
-        wchar_t name[64] = {};
-        GetClassNameW(control, name, 64);
-        std::wstring kind = name;
-        LONG_PTR style = GetWindowLongPtrW(control, GWL_STYLE) & 0xF;
-        switch (c.kind) {
-        case control_kind::list_view: EXPECT_EQ(kind, L"SysListView32") << c.id; break;
-        case control_kind::edit: EXPECT_EQ(kind, L"Edit") << c.id; break;
-        case control_kind::label: EXPECT_EQ(kind, L"Static") << c.id; break;
-        case control_kind::group_box: EXPECT_EQ(style, BS_GROUPBOX) << c.id; break;
-        case control_kind::check_box: EXPECT_EQ(style, BS_AUTOCHECKBOX) << c.id; break;
-        case control_kind::button: EXPECT_TRUE(style == BS_PUSHBUTTON || style == BS_DEFPUSHBUTTON) << c.id; break;
-        default: break;
-        }
-        // Group box 1010 is retitled at start.
-        if (c.kind != control_kind::list_view && c.kind != control_kind::edit && c.id != matches_group) {
-            EXPECT_EQ(text_of(control), c.text) << c.id;
-        }
-    }
 }

@@ -4,6 +4,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "resources/resource.h"
 #include "ui/view_factory.h"
 
 namespace {
@@ -14,7 +15,7 @@ std::set<const headless_view*> g_live;
 
 headless_view::headless_view(const dialog_template& t, HWND, dialog_events& events) : events_(events), title_(t.title) {
     for (auto& c : t.controls) {
-        if (c.id == 0) continue;  // plain labels without an id cannot be addressed
+        if (c.id == IDC_STATIC) continue;  // plain labels cannot be addressed
         control ctl;
         ctl.kind = c.kind;
         ctl.text = c.text;
