@@ -88,6 +88,25 @@ TEST_F(tagger_window, choosing_another_match_keeps_the_edits_of_the_first) {
     EXPECT_EQ(item_text(dialog, album), "Ska Island (remastered)");
 }
 
+TEST_F(tagger_window, a_title_left_open_when_another_match_is_clicked_stays_with_its_own_match) {
+    HWND dialog = open(make_lookup(4, {{"Main server", {ska, live}}}));
+    ASSERT_TRUE(dialog);
+    HWND t = list(dialog, tracks), m = list(dialog, matches);
+    click_cell(t, 1, 1);
+    ui.host().pump();
+    ASSERT_TRUE(cell_editor(t));
+    SetWindowTextW(cell_editor(t), L"Train to Skaville (live)");
+    // No Enter: the click on the other match takes the focus from the editor.
+    click_cell(m, 1, 0);
+    ui.host().pump();
+    ASSERT_EQ(selected_row(m), 1);
+    EXPECT_FALSE(cell_editor(t));
+    EXPECT_EQ(cell(t, 1, 1), "Two") << "the edit went into the other match";
+    click_cell(m, 0, 0);
+    ui.host().pump();
+    EXPECT_EQ(cell(t, 1, 1), "Train to Skaville (live)") << "the edit was lost";
+}
+
 TEST_F(tagger_window, f2_edits_the_title_shift_f2_the_comment_and_a_click_on_the_number_nothing) {
     HWND dialog = open(make_lookup(4, {{"Main server", {live}}}));
     ASSERT_TRUE(dialog);
