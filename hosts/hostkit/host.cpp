@@ -26,12 +26,15 @@ host::host(const host_options& options) : profile_(options.profile), registry_(q
     tunehall::set_core(&registry_);
 
     config_ = make_service<config_store_file>(profile_ / config_file_name);
-    console_ = make_service<console_log>(profile_ / log_file_name, options.console_to_stderr);
+    console_ = make_service<console_log>(options.leave_profile_alone ? std::filesystem::path() : profile_ / log_file_name,
+                                         options.console_to_stderr);
     popups_ = make_service<popup_recorder>(options.popups_to_stderr);
     tasks_ = make_service<threaded_process_worker>(queue_, options.progress);
     windows_ = make_service<window_list>();
 
-    registry_.add_instance(host_config_store::class_guid, service_ptr(config_.get()));
+    service_ptr settings = options.leave_profile_alone ? service_ptr(make_service<run_only_config>(config_).get())
+                                                       : service_ptr(config_.get());
+    registry_.add_instance(host_config_store::class_guid, settings);
     registry_.add_instance(console_receiver::class_guid, service_ptr(console_.get()));
     registry_.add_instance(popup_message_v3::class_guid, service_ptr(popups_.get()));
     registry_.add_instance(threaded_process::class_guid, service_ptr(tasks_.get()));

@@ -14,6 +14,7 @@
 #include "main_queue.h"
 #include "popups.h"
 #include "registry.h"
+#include "run_only_config.h"
 #include "threaded_process_worker.h"
 #include "window_list.h"
 
@@ -25,6 +26,10 @@ struct host_options {
     bool popups_to_stderr = true;
     progress_display* progress = nullptr;   // null: tasks run without a display
     bool window_list = true;                 // register windows() as the modeless-window service
+    // Settings changed during this run last for the run only (the profile's settings file is
+    // read, never written), and the console is not logged to the profile either: a run like
+    // this leaves the profile folder as it found it.
+    bool leave_profile_alone = false;
 };
 
 class host {
@@ -37,6 +42,7 @@ public:
     registry& services() { return registry_; }
     main_queue& queue() { return queue_; }
     threaded_process_worker& tasks() { return *tasks_; }
+    // The saved settings (the file), whatever the component is given.
     config_store_file& config() { return *config_; }
     console_log& console() { return *console_; }
     popup_recorder& popups() { return *popups_; }

@@ -11,6 +11,7 @@
 #include <tunehall/dark_mode.h>
 #include <tunehall/shared.h>
 
+#include "config/preferences_controls.h"
 #include "config/preferences_page_text_width.h"
 #include "config/server_editor.h"
 #include "config/server_list_retrieval.h"
@@ -20,17 +21,8 @@
 
 namespace {
 
-constexpr int dialog_template = 101;
-enum control : int {
-    email_field = 1001,
-    server_list_view = 1002,
-    add_button = 1025,
-    edit_button = 1026,
-    remove_button = 1028,
-    retrieve_button = 1030,
-};
-// The server name is a row's first column, given when the row is added.
-constexpr int description_column = 1;
+using namespace preferences_controls;
+
 // Measured only, to size the description column; no row carries it.
 constexpr const char* description_sample = "Random discora server";
 // Room for the column's padding beside the measured text.

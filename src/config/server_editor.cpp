@@ -9,21 +9,13 @@
 #include <tunehall/main_thread.h>
 #include <tunehall/shared.h>
 
+#include "config/preferences_controls.h"
 #include "config/preferences_page.h"
 #include "ui/view_factory.h"
 
 namespace {
 
-constexpr int dialog_template = 104;
-enum control : int {
-    ok_button = 1,
-    cancel_button = 2,
-    protocol_list = 1029,
-    server_field = 1026,
-    port_field = 1027,
-    address_field = 1028,
-    description_field = 1030,
-};
+using namespace server_editor_controls;
 
 // A port field read the way the system reads a signed integer from a dialog field: leading
 // spaces, an optional '-', then decimal digits to the end. Anything else, an empty field or a

@@ -50,7 +50,8 @@ private:
     void on_command(int id) override;
     void on_list_click(int id, std::size_t row, int column, bool double_click) override;
     void on_list_key(int id, unsigned key, bool shift) override;
-    void on_cell_edit_end(int id, std::size_t row, int column, const std::string& text, int end_code) override;
+    void on_cell_edit_commit(int id, std::size_t row, int column, const std::string& text, int end_code) override;
+    void on_cell_edit_end(int id, std::size_t row, int column, int end_code) override;
 
     HWND parent_;
     track_list tracks_;
@@ -184,6 +185,10 @@ void release_dialog::on_list_key(int id, unsigned key, bool shift) {
             cells->start(*row, id == tracks && shift ? artist_column : title_column);
 }
 
-void release_dialog::on_cell_edit_end(int id, std::size_t row, int column, const std::string& text, int end_code) {
-    if (table_edit_helper* cells = cells_of(id)) cells->on_edit_end(row, column, text, end_code);
+void release_dialog::on_cell_edit_commit(int id, std::size_t row, int column, const std::string& text, int end_code) {
+    if (table_edit_helper* cells = cells_of(id)) cells->on_edit_commit(row, column, text, end_code);
+}
+
+void release_dialog::on_cell_edit_end(int id, std::size_t row, int column, int end_code) {
+    if (table_edit_helper* cells = cells_of(id)) cells->on_edit_end(row, column, end_code);
 }

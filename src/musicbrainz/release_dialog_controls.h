@@ -1,14 +1,18 @@
 #pragma once
-// The controls of the MusicBrainz dialog template 116, by resource id.
+// The controls of the MusicBrainz dialog template, by resource id.
+
+#include <cstddef>
+
+#include "resources/resource.h"
 
 namespace release_dialog_controls {
 
-constexpr int dialog_template = 116;
+constexpr int dialog_template = IDD_MUSICBRAINZ;
 
-constexpr int album_list = 1032;  // "Name" / "Value": Title, Artist, Date, Disc (, Match)
-constexpr int tracks = 1024;    // "No" / "Title" / "Artist"
-constexpr int save_button = 1;
-constexpr int cancel_button = 2;  // also the window's close request
+constexpr int album_list = IDC_MB_ALBUM;  // "Name" / "Value": Title, Artist, Date, Disc (, Match)
+constexpr int tracks = IDC_MB_TRACKS;     // "No" / "Title" / "Artist"
+constexpr int save_button = IDC_MB_SAVE;
+constexpr int cancel_button = IDC_MB_CANCEL;  // also the window's close request
 
 // Rows of the album list, in order. The match row is there only for a release matched by its
 // table of contents, to tell the user it is a guess; it is not edited and not written.

@@ -1,6 +1,7 @@
 #pragma once
-// Resource ids of the component's module: dialog templates, their controls and the icons. Shared
-// by the resource script and the Win32 views.
+// Resource ids of the component's module: dialog templates, their controls and the icons. The one
+// place they are written: the resource script, the dialogs' control headers, the headless
+// templates and the command line all take them from here.
 
 // Dialog templates.
 #define IDD_PREFERENCES 101
@@ -35,7 +36,14 @@
 #define IDC_TAGGER_SETTINGS 3
 #define IDC_TAGGER_CLOSE 2  // IDCANCEL: Escape and the close box press it too
 
+// Labels nobody addresses.
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+
 // Dialog 116, "MusicBrainz Lookup".
+#define IDC_MB_SAVE 1    // IDOK: Enter presses it
+#define IDC_MB_CANCEL 2  // IDCANCEL: Escape and the close box press it too
 #define IDC_MB_ALBUM_CAPTION 1290
 #define IDC_MB_ALBUM 1032
 #define IDC_MB_TRACKS_CAPTION 1291
@@ -51,7 +59,9 @@
 #define IDC_PREFS_REMOVE 1028
 #define IDC_PREFS_RETRIEVE 1030
 
-// Dialog 104, the server editor (OK and Cancel are IDOK and IDCANCEL).
+// Dialog 104, the server editor.
+#define IDC_EDITOR_OK 1      // IDOK
+#define IDC_EDITOR_CANCEL 2  // IDCANCEL
 #define IDC_EDITOR_PROTOCOL 1029
 #define IDC_EDITOR_SERVER 1026
 #define IDC_EDITOR_PORT 1027

@@ -75,5 +75,8 @@ void current_match::switch_to(disc_record* record) {
 }
 
 void current_match::store() {
-    if (record_) store_dialog_into_match(view_, *record_);
+    if (!record_) return;
+    // An edit still open in a track cell belongs to this match.
+    view_.list_finish_edit();
+    store_dialog_into_match(view_, *record_);
 }

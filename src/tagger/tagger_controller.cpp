@@ -57,7 +57,8 @@ private:
     void on_list_selection_changed(int id) override;
     void on_list_click(int id, std::size_t row, int column, bool double_click) override;
     void on_list_key(int id, unsigned key, bool shift) override;
-    void on_cell_edit_end(int id, std::size_t row, int column, const std::string& text, int end_code) override;
+    void on_cell_edit_commit(int id, std::size_t row, int column, const std::string& text, int end_code) override;
+    void on_cell_edit_end(int id, std::size_t row, int column, int end_code) override;
 
     service_ref<lookup_state> state_;  // owns the records the match rows point at
     std::unique_ptr<dialog_view> view_;
@@ -239,6 +240,10 @@ void tagger_dialog::on_list_key(int id, unsigned key, bool shift) {
     if (std::optional<std::size_t> row = view_->list_focus(tracks)) cells_->start(*row, shift ? comment_column : title_column);
 }
 
-void tagger_dialog::on_cell_edit_end(int id, std::size_t row, int column, const std::string& text, int end_code) {
-    if (id == tracks) cells_->on_edit_end(row, column, text, end_code);
+void tagger_dialog::on_cell_edit_commit(int id, std::size_t row, int column, const std::string& text, int end_code) {
+    if (id == tracks) cells_->on_edit_commit(row, column, text, end_code);
+}
+
+void tagger_dialog::on_cell_edit_end(int id, std::size_t row, int column, int end_code) {
+    if (id == tracks) cells_->on_edit_end(row, column, end_code);
 }

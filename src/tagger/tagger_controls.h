@@ -1,22 +1,24 @@
 #pragma once
-// The controls of the tagger's dialog template 103, by resource id.
+// The controls of the tagger's dialog template, by resource id.
+
+#include "resources/resource.h"
 
 namespace tagger_controls {
 
-constexpr int dialog_template = 103;
+constexpr int dialog_template = IDD_TAGGER;
 
-constexpr int matches_group = 1010;  // group box retitled "Matches (N)"
-constexpr int matches = 1011;        // list of matches, grouped by server
-constexpr int artist = 1006;
-constexpr int album = 1007;
-constexpr int year = 1008;
-constexpr int genre = 1009;
-constexpr int various_artists = 1021;  // check box
-constexpr int tracks = 1024;           // track list: "#", "Title", "Comment"
-constexpr int wipe_tags = 1017;        // check box
-constexpr int update_button = 1022;    // "&Update files"
-constexpr int settings_button = 3;
-constexpr int close_button = 2;        // also the window's close request
+constexpr int matches_group = IDC_TAGGER_MATCHES_GROUP;  // group box retitled "Matches (N)"
+constexpr int matches = IDC_TAGGER_MATCHES;              // list of matches, grouped by server
+constexpr int artist = IDC_TAGGER_ARTIST;
+constexpr int album = IDC_TAGGER_ALBUM;
+constexpr int year = IDC_TAGGER_YEAR;
+constexpr int genre = IDC_TAGGER_GENRE;
+constexpr int various_artists = IDC_TAGGER_VARIOUS;  // check box
+constexpr int tracks = IDC_TAGGER_TRACKS;            // track list: "#", "Title", "Comment"
+constexpr int wipe_tags = IDC_TAGGER_WIPE;           // check box
+constexpr int update_button = IDC_TAGGER_UPDATE;     // "&Update files"
+constexpr int settings_button = IDC_TAGGER_SETTINGS;
+constexpr int close_button = IDC_TAGGER_CLOSE;  // also the window's close request
 
 // Columns of the track list (column 0 is the track number, never edited).
 constexpr int title_column = 1;

@@ -26,10 +26,16 @@ public:
     }
     // A key went down in list `id` (virtual-key code; whether Shift was held).
     virtual void on_list_key(int id, unsigned key, bool shift) { (void)id; (void)key; (void)shift; }
-    // The in-place editor on (row, column) of list `id` ended with `end_code` (0 cancelled, 1 Tab,
-    // 2 Shift+Tab, 3 Enter) holding `text`.
-    virtual void on_cell_edit_end(int id, std::size_t row, int column, const std::string& text, int end_code) {
+    // The in-place editor on (row, column) of list `id` is ending with `end_code` (0 cancelled,
+    // 1 Tab, 2 Shift+Tab, 3 Enter) and holds `text`. Told before anything else reaches the window
+    // (such as the click that took the focus from the editor and selects another row), so that
+    // the text lands in the cell while that cell still shows what it was typed for.
+    virtual void on_cell_edit_commit(int id, std::size_t row, int column, const std::string& text, int end_code) {
         (void)id; (void)row; (void)column; (void)text; (void)end_code;
+    }
+    // Then, once the editor is gone: the same end, for where editing goes next.
+    virtual void on_cell_edit_end(int id, std::size_t row, int column, int end_code) {
+        (void)id; (void)row; (void)column; (void)end_code;
     }
 
 protected:
@@ -92,6 +98,10 @@ public:
     // Sizes `column` to fit its contents and its header.
     virtual void list_fit_column(int id, int column) = 0;
     // Opens the in-place editor over (row, column); the view reports its end through
-    // dialog_events::on_cell_edit_end.
+    // dialog_events::on_cell_edit_commit and then on_cell_edit_end.
     virtual void list_start_edit(int id, std::size_t row, int column) = 0;
+    // Ends the open in-place editor now, keeping what it holds, as the focus leaving it does
+    // (nothing when none is open). List views may report a click's new selection before the
+    // editor loses the focus: a controller about to read the cells calls this first.
+    virtual void list_finish_edit() = 0;
 };

@@ -16,10 +16,14 @@ bool table_edit_helper::start(std::size_t row, int column) {
     return true;
 }
 
-void table_edit_helper::on_edit_end(std::size_t row, int column, const std::string& text, int code) {
+void table_edit_helper::on_edit_commit(std::size_t row, int column, const std::string& text, int code) {
     // The rows may have changed while the editor was open; a vanished cell takes nothing.
     if (code == cancelled || row >= view_.list_row_count(list_)) return;
     view_.list_set_cell(list_, row, column, text);
+}
+
+void table_edit_helper::on_edit_end(std::size_t row, int column, int code) {
+    if (row >= view_.list_row_count(list_)) return;
     std::optional<cell> to;
     if (code == next_cell) to = after(row, column);
     else if (code == previous_cell) to = before(row, column);

@@ -24,10 +24,12 @@ public:
     // Opens the editor on (row, column) when that row exists and the column is editable; true
     // when it did.
     bool start(std::size_t row, int column);
-    // The editor on (row, column) ended with `text`: cancelled keeps the cell as it was; the
-    // other codes write `text` into it, and Tab / Shift+Tab open the editor on the next / previous
-    // editable cell (row by row; after the last or before the first cell editing just ends).
-    void on_edit_end(std::size_t row, int column, const std::string& text, int code);
+    // The editor on (row, column) is ending with `text`: cancelled keeps the cell as it was; the
+    // other codes write `text` into it at once.
+    void on_edit_commit(std::size_t row, int column, const std::string& text, int code);
+    // The editor on (row, column) is gone: Tab / Shift+Tab open it on the next / previous editable
+    // cell (row by row; after the last or before the first cell editing just ends).
+    void on_edit_end(std::size_t row, int column, int code);
 
 private:
     struct cell {

@@ -167,23 +167,6 @@ std::string text_of(HWND window) {
     return winhost::narrow(text);
 }
 
-std::wstring class_of(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
-
-const wchar_t* class_of_kind(control_kind kind) {
-    switch (kind) {
-    case control_kind::separator:
-        return L"tunehall:separator";
-    case control_kind::list_view:
-        return L"SysListView32";
-    default:
-        return nullptr;
-    }
-}
-
 std::string item_text(HWND dialog, int id) { return text_of(GetDlgItem(dialog, id)); }
 
 RECT screen_rect(HWND window) {

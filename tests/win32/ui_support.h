@@ -15,7 +15,6 @@
 #include <windows.h>
 
 #include "cddb/lookup_state.h"
-#include "ui/headless/dialog_templates.h"
 #include "test_host.h"
 
 namespace ui_testing {
@@ -56,11 +55,6 @@ HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state);
 // A top-level window of this thread with caption `title` (null when none).
 HWND find_window(const std::wstring& title);
 std::string text_of(HWND window);
-// The window class name of `window`.
-std::wstring class_of(HWND window);
-// The window class a template's control of `kind` must have, where the kind fixes one (the
-// host's separator, the list view); null for the other kinds.
-const wchar_t* class_of_kind(control_kind kind);
 std::string item_text(HWND dialog, int id);
 RECT screen_rect(HWND window);
 

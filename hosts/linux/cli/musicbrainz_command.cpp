@@ -22,16 +22,16 @@
 #include "musicbrainz/disc_id.h"
 #include "musicbrainz/lookup.h"
 #include "musicbrainz/release_dialog.h"
+#include "musicbrainz/release_dialog_controls.h"
 #include "musicbrainz/release_text.h"
 
 namespace tessellon_cli {
 
 namespace {
 
-// Control ids of the MusicBrainz dialog and the rows of its album list.
-enum : int { album_list = 1032, track_rows = 1024, save_button = 1, cancel_button = 2 };
-enum : std::size_t { title_row = 0, artist_row = 1, date_row = 2, disc_row = 3 };
-constexpr int value_column = 1, title_column = 1, artist_column = 2;
+// The MusicBrainz dialog's controls, the rows of its album list and its columns.
+using namespace release_dialog_controls;
+constexpr int track_rows = release_dialog_controls::tracks;  // `tracks` here are the album's files
 constexpr const char* dialog_title = "MusicBrainz Lookup";
 
 class done_flag : public tagging_done {

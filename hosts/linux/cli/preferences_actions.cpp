@@ -5,15 +5,19 @@
 #include <tunehall/shared.h>
 
 #include "cli/commands.h"
+#include "config/preferences_controls.h"
 #include "config/preferences_page.h"
 
 namespace tessellon_cli {
 
 namespace {
-// Control ids of the page and of the server editor.
-enum : int { email_edit = 1001, server_list = 1002, add_button = 1025, edit_button = 1026, remove_button = 1028,
-             retrieve_button = 1030 };
-enum : int { ok_button = 1, editor_server = 1026, editor_port = 1027, editor_address = 1028, editor_description = 1030 };
+// The page's and the server editor's controls, under the names this file gives them.
+using preferences_controls::add_button, preferences_controls::edit_button, preferences_controls::remove_button,
+    preferences_controls::retrieve_button, server_editor_controls::ok_button;
+constexpr int email_edit = preferences_controls::email_field, server_list = preferences_controls::server_list_view;
+constexpr int editor_server = server_editor_controls::server_field, editor_port = server_editor_controls::port_field,
+              editor_address = server_editor_controls::address_field,
+              editor_description = server_editor_controls::description_field;
 
 class no_callback : public preferences_page_callback {
 public:

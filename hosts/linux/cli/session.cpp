@@ -7,10 +7,11 @@
 
 namespace tessellon_cli {
 
-session::session(const global_options& globals, component_source source, bool write_tags) {
+session::session(const global_options& globals, component_source source, bool write_tags, settings_use settings) {
     hostkit::host_options options;
     options.profile = hostkit::default_profile(globals.profile);
     options.progress = &progress_;
+    options.leave_profile_alone = settings == settings_use::this_run;
     host_ = std::make_unique<hostkit::host>(options);
     host_->services().add_instance(filesystem::class_guid, service_ptr(make_http_filesystem().get()));
     if (write_tags) host_->services().add_instance(tag_update::class_guid, make_service<hostkit::tag_update_engine>(tag_files_));

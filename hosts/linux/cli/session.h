@@ -18,10 +18,14 @@ public:
     // (the commands), or its file loaded with dlopen (`about`, and any --component FILE).
     enum class component_source { linked, file };
 
+    // Only the settings commands change what later runs do; every other command leaves the
+    // profile's settings (and log) as it found them, whatever boxes its dialogs click.
+    enum class settings_use { this_run, saved };
+
     // `write_tags` false: the host's tag update is left out (the caller registers its own, as
     // --dry-run does).
     explicit session(const global_options& globals, component_source source = component_source::linked,
-                     bool write_tags = true);
+                     bool write_tags = true, settings_use settings = settings_use::this_run);
     ~session();
 
     hostkit::host& host() { return *host_; }

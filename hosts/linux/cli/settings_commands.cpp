@@ -1,4 +1,5 @@
-// `tessellon config email` and `tessellon servers`: the settings the lookups use.
+// `tessellon config` and `tessellon servers`: the settings the lookups and the tagger use, saved
+// for later runs.
 
 #include <cstdio>
 #include <cstdlib>
@@ -69,7 +70,7 @@ int run_servers(const global_options& globals, const arguments& args) {
     std::string sub = args.empty() ? "list" : args[0];
     arguments rest(args.empty() ? args.begin() : args.begin() + 1, args.end());
     option_reader options(rest, {"--json"}, {"--server", "--port", "--address", "--description"});
-    session s(globals);
+    session s(globals, session::component_source::linked, true, session::settings_use::saved);
     if (sub == "list") return list_servers(options);
 
     // Every change goes through the preferences page, as a user makes it, and is applied.
@@ -95,16 +96,27 @@ int run_servers(const global_options& globals, const arguments& args) {
 }
 
 int run_config(const global_options& globals, const arguments& args) {
-    if (args.empty() || args[0] != "email" || args.size() > 2)
-        throw usage_error{"usage: tessellon config email [ADDRESS]"};
-    session s(globals);
-    if (args.size() == 2) {
-        preferences_actions page(s);
-        page.set_email(args[1]);
-        page.apply();
+    const char* const usage = "usage: tessellon config email [ADDRESS] | config wipe [on|off]";
+    if (args.empty() || args.size() > 2) throw usage_error{usage};
+    if (args[0] == "email") {
+        session s(globals, session::component_source::linked, true, session::settings_use::saved);
+        if (args.size() == 2) {
+            preferences_actions page(s);
+            page.set_email(args[1]);
+            page.apply();
+        }
+        std::printf("%s\n", cfg_email.get().c_str());
+        return exit_ok;
     }
-    std::printf("%s\n", cfg_email.get().c_str());
-    return exit_ok;
+    if (args[0] == "wipe") {
+        if (args.size() == 2 && args[1] != "on" && args[1] != "off") throw usage_error{usage};
+        session s(globals, session::component_source::linked, true, session::settings_use::saved);
+        // The setting the tagger dialog's "Wipe out existing tags." box shows and saves.
+        if (args.size() == 2) cfg_wipe_existing_tags.set(args[1] == "on" ? 1 : 0);
+        std::printf("%s\n", cfg_wipe_existing_tags.get() != 0 ? "on" : "off");
+        return exit_ok;
+    }
+    throw usage_error{usage};
 }
 
 } // namespace tessellon_cli

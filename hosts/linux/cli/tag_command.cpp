@@ -18,17 +18,20 @@
 #include "cli/lookup_result.h"
 #include "cli/session.h"
 #include "cli/track_input.h"
+#include "tagger/tagger_controls.h"
 #include "ui/headless/headless_view.h"
 
 namespace tessellon_cli {
 
 namespace {
 
-// Control ids of the tagger dialog.
-enum : int {
-    matches_list = 1011, artist_edit = 1006, album_edit = 1007, year_edit = 1008, genre_edit = 1009,
-    various_check = 1021, track_list_id = 1024, wipe_check = 1017, update_button = 1022, close_button = 2,
-};
+// The tagger dialog's controls, under the names this command gives them.
+constexpr int matches_list = tagger_controls::matches, artist_edit = tagger_controls::artist,
+              album_edit = tagger_controls::album, year_edit = tagger_controls::year, genre_edit = tagger_controls::genre,
+              various_check = tagger_controls::various_artists, track_list_id = tagger_controls::tracks,
+              wipe_check = tagger_controls::wipe_tags, update_button = tagger_controls::update_button,
+              close_button = tagger_controls::close_button;
+using tagger_controls::comment_column, tagger_controls::title_column;
 
 // For --dry-run: takes the update, shows what would be written, writes nothing, and reports
 // the update as not done so the dialog stays open.
@@ -132,11 +135,11 @@ int run_tag(const global_options& globals, const arguments& args) {
     const std::size_t track_rows = view->list_row_count(track_list_id);
     for (auto& t : options.values("--title")) {
         cell_edit e = parse_cell_edit("--title", t, track_rows);
-        edit_cell(*view, track_list_id, e.row, 1, e.text, /*double_click=*/false);
+        edit_cell(*view, track_list_id, e.row, title_column, e.text, /*double_click=*/false);
     }
     for (auto& c : options.values("--comment")) {
         cell_edit e = parse_cell_edit("--comment", c, track_rows);
-        edit_cell(*view, track_list_id, e.row, 2, e.text, /*double_click=*/false);
+        edit_cell(*view, track_list_id, e.row, comment_column, e.text, /*double_click=*/false);
     }
     if (options.flag("--wipe")) set_check(*view, wipe_check, true);
     if (options.flag("--keep")) set_check(*view, wipe_check, false);

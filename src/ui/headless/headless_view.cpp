@@ -4,6 +4,8 @@
 #include <set>
 #include <stdexcept>
 
+#include "resources/resource.h"
+#include "ui/edit_keys.h"
 #include "ui/view_factory.h"
 
 namespace {
@@ -14,7 +16,7 @@ std::set<const headless_view*> g_live;
 
 headless_view::headless_view(const dialog_template& t, HWND, dialog_events& events) : events_(events), title_(t.title) {
     for (auto& c : t.controls) {
-        if (c.id == 0) continue;  // plain labels without an id cannot be addressed
+        if (c.id == IDC_STATIC) continue;  // plain labels cannot be addressed
         control ctl;
         ctl.kind = c.kind;
         ctl.text = c.text;
@@ -121,10 +123,13 @@ void headless_view::list_fit_column(int id, int column) {
 
 void headless_view::list_start_edit(int id, std::size_t r, int column) {
     row_at(id, r);
+    leave_editor();
     editing_ = edit_position{id, r, column};
+    editor_text_ = list_get_cell(id, r, column);
 }
 
 void headless_view::type_text(int id, const std::string& text) {
+    leave_editor();
     at(id).text = text;
     events_.on_edit_changed(id);
 }
@@ -132,28 +137,49 @@ void headless_view::type_text(int id, const std::string& text) {
 void headless_view::click(int id) {
     control& c = at(id);
     if (!c.enabled || !window_enabled_) return;  // a disabled control takes no clicks
+    leave_editor();
     if (c.kind == control_kind::check_box) c.check = c.check == 1 ? 0 : 1;
     events_.on_command(id);
 }
 
 void headless_view::select_row(int id, std::optional<std::size_t> r) {
+    leave_editor();
     list_select(id, r);
     events_.on_list_selection_changed(id);
 }
 
 void headless_view::click_cell(int id, std::size_t r, int column, bool double_click) {
+    leave_editor();
     list_select(id, r);
     events_.on_list_selection_changed(id);
     events_.on_list_click(id, r, column, double_click);
 }
 
-void headless_view::press_key(int id, unsigned key, bool shift) { events_.on_list_key(id, key, shift); }
+void headless_view::press_key(int id, unsigned key, bool shift) {
+    leave_editor();
+    events_.on_list_key(id, key, shift);
+}
+
+void headless_view::type_in_editor(const std::string& text) {
+    if (!editing_) throw std::logic_error("no cell is being edited");
+    editor_text_ = text;
+}
 
 void headless_view::finish_edit(const std::string& text, int end_code) {
-    if (!editing_) throw std::logic_error("no cell is being edited");
-    edit_position at_end = *editing_;
+    type_in_editor(text);
+    end_editor(end_code);
+}
+
+void headless_view::end_editor(int end_code) {
+    edit_position at = *editing_;
     editing_.reset();
-    events_.on_cell_edit_end(at_end.list, at_end.row, at_end.column, text, end_code);
+    // As a real editor ends: the text is handed over first, then the end is told.
+    events_.on_cell_edit_commit(at.list, at.row, at.column, editor_text_, end_code);
+    events_.on_cell_edit_end(at.list, at.row, at.column, end_code);
+}
+
+void headless_view::leave_editor() {
+    if (editing_) end_editor(in_place::accepted);  // as when the focus leaves it
 }
 
 std::string headless_view::row_group_header(int id, std::size_t r) const {

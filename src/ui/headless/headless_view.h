@@ -65,6 +65,7 @@ public:
     void list_set_extended_style(int id, std::uint32_t style) override { at(id).extended_style |= style; }
     void list_fit_column(int id, int column) override;
     void list_start_edit(int id, std::size_t row, int column) override;
+    void list_finish_edit() override { leave_editor(); }
 
     // The user's side.
     void type_text(int id, const std::string& text);
@@ -76,8 +77,11 @@ public:
     void select_row(int id, std::optional<std::size_t> row);
     void click_cell(int id, std::size_t row, int column, bool double_click = false);
     void press_key(int id, unsigned key, bool shift = false);
-    // The open in-place editor, if any; ends it with `text` and `end_code`.
+    // The open in-place editor, if any; typing into it; ending it with `text` and `end_code`.
+    // Acting on any other control first ends an open editor with what it holds, as the focus
+    // leaving a real one does.
     std::optional<edit_position> editing() const { return editing_; }
+    void type_in_editor(const std::string& text);
     void finish_edit(const std::string& text, int end_code);
 
     // What the window shows.
@@ -119,6 +123,8 @@ private:
     control& at(int id);
     const control& at(int id) const;
     const row& row_at(int id, std::size_t r) const;
+    void end_editor(int end_code);
+    void leave_editor();
 
     dialog_events& events_;
     std::map<int, control> controls_;
@@ -127,4 +133,5 @@ private:
     std::vector<message> messages_;
     int answer_ = 1;
     std::optional<edit_position> editing_;
+    std::string editor_text_;
 };

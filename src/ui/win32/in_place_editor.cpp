@@ -192,7 +192,10 @@ LRESULT CALLBACK in_place_editor::container_proc(HWND window, UINT message, WPAR
     auto* self = reinterpret_cast<in_place_editor*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     switch (message) {
     case msg_commit_now:
-        if (self) self->take_text();
+        if (self) {
+            self->take_text();
+            if (self->committed_fn_) self->committed_fn_(self->text_, self->end_code_);
+        }
         return 0;
     case msg_edit_ended:
         if (self) {

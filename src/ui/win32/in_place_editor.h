@@ -2,8 +2,8 @@
 // The editor laid over one cell of a list view: a bordered container window over the cell with a
 // system edit control (or a drop-down list) inside it. Keys end it: Enter accepts, Tab and
 // Shift+Tab move on, Escape cancels. It ends at most once: the container is told to take the text
-// now, then the end is posted to it, and the editor disables itself so that later keys cannot end
-// it again.
+// now (and hands it to its owner at once), then the end is posted to it, and the editor disables
+// itself so that later keys cannot end it again.
 
 #include <cstdint>
 #include <functional>
@@ -26,6 +26,9 @@ public:
     // Told once, from the posted end message, what the editor held and how it ended. The owner
     // may destroy the editor from inside.
     using ended_fn = std::function<void(const std::string& text, int end_code)>;
+    // Told once, from the sent "take the text now", before the end is posted: whatever made the
+    // editor end (a click on another row, say) is handled only after the owner has the text.
+    using committed_fn = std::function<void(const std::string& text, int end_code)>;
 
     // A text editor over `cell` (client coordinates of `list`) holding `text`, with the option
     // bits of in_place::options. Takes the keyboard focus. exception_win32 when a window cannot be
@@ -37,6 +40,8 @@ public:
     ~in_place_editor();
     in_place_editor(const in_place_editor&) = delete;
     in_place_editor& operator=(const in_place_editor&) = delete;
+
+    void on_commit(committed_fn committed) { committed_fn_ = std::move(committed); }
 
     HWND container() const { return container_; }
     // The edit control or drop-down list.
@@ -61,6 +66,7 @@ private:
 
     std::uint32_t options_;
     ended_fn ended_fn_;
+    committed_fn committed_fn_;
     HWND container_ = nullptr;
     HWND control_ = nullptr;
     bool is_choice_ = false;

@@ -434,7 +434,10 @@ void win32_view::list_start_edit(int id, std::size_t row, int column) {
         if (s.list == id && s.column == column) setup = &s;
     editing_ = {id, row, column};
     editor_ = std::make_unique<in_place_editor>(list, cell, list_get_cell(id, row, column), setup ? setup->options : 0,
-                                                [this](const std::string& text, int code) { editor_ended(text, code); });
+                                                [this](const std::string&, int code) { editor_ended(code); });
+    editor_->on_commit([this, at = editing_](const std::string& text, int code) {
+        events_.on_cell_edit_commit(at.list, at.row, at.column, text, code);
+    });
     if (setup && setup->field)
         if (auto suggestions = try_host_service<library_suggestions>())
             attach_auto_complete(editor_->control(), suggestions->values_of(setup->field));
@@ -444,10 +447,10 @@ void win32_view::settle_editor() {
     if (!editor_) return;
     if (!editor_->has_ended()) editor_->end(in_place::accepted);
     // Its posted end message dies with its window: the end is reported here instead.
-    editor_ended(editor_->text(), editor_->end_code());
+    editor_ended(editor_->end_code());
 }
 
-void win32_view::editor_ended(const std::string& text, int end_code) {
+void win32_view::editor_ended(int end_code) {
     const edit_position at = editing_;
     if (editor_) {
         // The keyboard goes back to the list the editor lay on.
@@ -456,7 +459,7 @@ void win32_view::editor_ended(const std::string& text, int end_code) {
             SetFocus(GetDlgItem(window_, at.list));
     }
     editor_.reset();
-    events_.on_cell_edit_end(at.list, at.row, at.column, text, end_code);
+    events_.on_cell_edit_end(at.list, at.row, at.column, end_code);
 }
 
 std::unique_ptr<dialog_view> create_dialog_view(int template_id, HWND parent, dialog_events& events) {

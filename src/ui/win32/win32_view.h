@@ -48,6 +48,7 @@ public:
     void list_set_extended_style(int id, std::uint32_t style) override;
     void list_fit_column(int id, int column) override;
     void list_start_edit(int id, std::size_t row, int column) override;
+    void list_finish_edit() override { settle_editor(); }
 
 private:
     struct edit_position {
@@ -67,7 +68,7 @@ private:
     HWND item(int id) const;
     // Reports the open editor's end now (ending it as accepted if it still runs).
     void settle_editor();
-    void editor_ended(const std::string& text, int end_code);
+    void editor_ended(int end_code);
 
     void release_owner();
 

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 #include "support/audio_files.h"
@@ -120,6 +121,47 @@ TEST_F(tag_cli, dry_run_prints_the_prepared_fields_in_order_and_writes_nothing) 
               std::string::npos)
         << r.out;
     EXPECT_EQ(read_file(folder / "Track 01.flac"), before);
+}
+
+// --wipe, --keep and --dry-run decide one run and leave the profile as it was; the saved default
+// (wipe, until `config wipe off`) decides every run without them.
+TEST_F(tag_cli, wipe_and_keep_decide_one_run_and_config_wipe_the_runs_after) {
+    auto folder = album(audio_format::flac);
+    auto first = folder / "Track 01.flac";
+    auto mark = [&] { run_audio_tool({"metaflac", "--set-tag=MOOD=calm", first.string()}); };
+    auto marked = [&] {
+        auto lines = independent_tag_lines(first);
+        return std::find(lines.begin(), lines.end(), "MOOD=calm") != lines.end();
+    };
+    auto profile_files = [&] {
+        std::map<std::string, std::string> files;
+        for (auto& entry : std::filesystem::recursive_directory_iterator(profile.path()))
+            if (entry.is_regular_file()) files[entry.path().string()] = read_file(entry.path());
+        return files;
+    };
+    auto tag = [&](std::vector<std::string> flags) {
+        flags.insert(flags.begin(), {"tag", folder.string(), "--match", "1"});
+        auto r = run(flags);
+        EXPECT_EQ(r.exit_code, 0) << r.err;
+    };
+
+    mark();
+    const auto profile_before = profile_files();
+    for (auto flags : {std::vector<std::string>{"--keep"}, {"--wipe", "--dry-run"}, {"--keep", "--dry-run"}}) tag(flags);
+    EXPECT_TRUE(marked());
+    EXPECT_EQ(profile_files(), profile_before) << "a run's flags changed the profile";
+    tag({});
+    EXPECT_FALSE(marked()) << "a plain run after --keep did not wipe (the saved default)";
+
+    EXPECT_EQ(run({"config", "wipe", "off"}).out, "off\n");
+    mark();
+    tag({});
+    EXPECT_TRUE(marked()) << "a plain run after config wipe off wiped";
+    const auto profile_off = profile_files();
+    tag({"--wipe"});
+    EXPECT_FALSE(marked());
+    EXPECT_EQ(profile_files(), profile_off) << "--wipe changed the profile";
+    EXPECT_EQ(run({"config", "wipe"}).out, "off\n");
 }
 
 TEST_F(tag_cli, a_read_only_file_is_named_and_the_rest_of_the_album_is_tagged) {
