@@ -33,14 +33,15 @@ struct field_change {
     std::vector<std::string> old_values, new_values;
 };
 
-// In the order of the new record, then the fields it drops.
+// Every field of the new record in its order (those that stay as they were too), then the
+// fields it drops.
 std::vector<field_change> changes_of(const hostkit::planned_file& f) {
     std::vector<field_change> out;
     for (std::size_t i = 0; i < f.after.field_count(); ++i) {
         const std::string name = f.after.field_name(i);
         std::vector<std::string> now = values_of(f.after, i), then = values_named(f.before, name);
         if (then.empty()) out.push_back({name, "added", {}, now});
-        else if (then != now) out.push_back({name, "changed", then, now});
+        else out.push_back({name, then != now ? "changed" : "unchanged", then, now});
     }
     for (std::size_t i = 0; i < f.before.field_count(); ++i)
         if (f.after.find_field(f.before.field_name(i).c_str()) == tag_record::npos)
@@ -72,6 +73,7 @@ std::string preview_text(const update_plan& plan, const std::string& mode) {
             out += "  " + c.field + ": ";
             if (c.change == "added") out += "added " + quoted(c.new_values);
             else if (c.change == "removed") out += "removed " + quoted(c.old_values);
+            else if (c.change == "unchanged") out += quoted(c.new_values);
             else out += quoted(c.old_values) + " -> " + quoted(c.new_values);
             out += "\n";
         }
@@ -85,9 +87,11 @@ void write_plan_json(json_writer& json, const update_plan& plan) {
         json.begin_object().key("path").value(f.path).key("fields");
         write_fields_json(json, f.after);
         json.key("changes").begin_array();
-        for (const field_change& c : changes_of(f))
-            json.begin_object().key("field").value(c.field).key("change").value(c.change).key("old").strings(c.old_values)
-                .key("new").strings(c.new_values).end_object();
+        for (const field_change& c : changes_of(f)) {
+            if (c.change == "unchanged") continue;
+            json.begin_object().key("field").value(c.field).key("change").value(c.change);
+            json.key("old").strings(c.old_values).key("new").strings(c.new_values).end_object();
+        }
         json.end_array().end_object();
     }
     json.end_array();

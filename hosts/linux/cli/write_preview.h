@@ -17,7 +17,8 @@ struct write_choice {
     std::string mode;      // "wipe" or "keep" when the tagger dialog's box decides; else empty
 };
 
-// Per file: "  field: old -> new", "  field: added NEW", "  field: removed OLD".
+// Per file, every field it will hold in order, "  field: old -> new", "  field: added NEW" or
+// "  field: VALUE" (unchanged), then "  field: removed OLD". Unchanged files say so.
 std::string preview_text(const hostkit::update_plan& plan, const std::string& mode);
 // The plan's files as {"path", "fields": [...], "changes": [{"field", "change", "old", "new"}]}.
 void write_plan_json(json_writer& json, const hostkit::update_plan& plan);

@@ -127,6 +127,7 @@ TEST_F(tag_cli, dry_run_prints_the_prepared_fields_in_order_and_writes_nothing) 
               std::string::npos)
         << r.out;
     EXPECT_EQ(read_file(folder / "Track 01.flac"), before);
+    EXPECT_FALSE(std::filesystem::exists(profile / "journal"));
 }
 
 TEST_F(tag_cli, a_read_only_file_is_named_and_no_file_of_the_album_changes) {
