@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,6 +48,16 @@ std::string folder_of(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Removes what a killed earlier write of the same file left: its new copies never renamed.
+void remove_stale_copies(const std::string& folder, const std::string& prefix) {
+    DIR* dir = ::opendir(folder.c_str());
+    if (!dir) return;
+    while (const dirent* entry = ::readdir(dir))
+        if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) == 0 && std::strlen(entry->d_name) == prefix.size() + 6)
+            ::unlinkat(::dirfd(dir), entry->d_name, 0);
+    ::closedir(dir);
 }
 
 } // namespace
@@ -255,7 +266,9 @@ void staged_file_stream::write_beside() {
     struct stat st {};
     if (::stat(path_.c_str(), &st) != 0) fail("examine", path_, errno);
     const std::string folder = folder_of(path_);
-    std::string temp = folder + "/." + path_.substr(path_.rfind('/') + 1) + ".tessellon-XXXXXX";
+    const std::string prefix = "." + path_.substr(path_.rfind('/') + 1) + ".tessellon-";
+    remove_stale_copies(folder, prefix);
+    std::string temp = folder + "/" + prefix + "XXXXXX";
     fd_closer out{::mkstemp(temp.data())};
     if (out.fd < 0) fail("write a new copy of", path_, errno);
     try {
