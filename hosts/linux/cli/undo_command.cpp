@@ -1,6 +1,7 @@
 // `tessellon undo`: puts back the tags a `tag` or `musicbrainz` run replaced, from the journal in
 // the profile folder; `--list` shows the runs kept.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -51,6 +52,11 @@ int run_undo(const global_options& globals, const arguments& args) {
         char* end = nullptr;
         number = static_cast<int>(std::strtol(n.c_str(), &end, 10));
         if (*end != '\0' || number <= 0) throw usage_error{"undo " + n + ": not a run number (see undo --list)"};
+    }
+    const auto runs = journal.runs();
+    if (number == 0 && std::all_of(runs.begin(), runs.end(), [](const auto& r) { return r.undone; })) {
+        std::fprintf(stderr, "tessellon: no run left to undo\n");
+        return exit_nothing;
     }
     const linux_host::undo_report report = journal.undo(number, options.flag("--force"));
     for (const auto& path : report.restored) std::fprintf(stderr, "restored %s\n", path.c_str());
