@@ -104,6 +104,8 @@ hostkit::tag_update_engine::gate_fn make_write_gate(const write_choice& choice) 
             if (!choice.json) std::fputs(text.c_str(), stdout);
             return false;
         }
+        // The progress line of the update is already drawn on a terminal; the preview replaces it.
+        if (isatty(STDERR_FILENO)) std::fputs("\r\033[K", stderr);
         std::fputs(text.c_str(), stderr);
         if (choice.yes || !isatty(STDIN_FILENO)) return true;
         std::fprintf(stderr, "Write these tags to %zu files? [y/N] ", plan.changing());
