@@ -24,6 +24,7 @@
 #include <tunehall/text.h>
 
 #include "cached_file_stream.h"
+#include "staged_file_stream.h"
 #include "field_table.h"
 #include "gapless_length.h"
 #include "header_bytes.h"
@@ -81,19 +82,31 @@ mode_t regular_file_mode(const std::string& path) {
 // would let write it.
 bool is_marked_read_only(mode_t mode) { return (mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0; }
 
+} // namespace
+
 // An opened file of a known format; the format decides which TagLib class it is. The file reads
-// and writes through `stream`, declared first so that it outlives the file.
+// through `stream`, declared first so that it outlives the file; a file opened for writing saves
+// into `staged` (the same stream), which puts the edits into the file only when committed.
 struct opened_file {
     audio_format format;
     bool marked_read_only;  // by its permissions when it was opened
-    std::unique_ptr<cached_file_stream> stream;
+    std::unique_ptr<TagLib::IOStream> stream;
+    staged_file_stream* staged = nullptr;
     std::unique_ptr<TagLib::File> file;
 };
 
+namespace {
+
 template <typename File>
-void open_as(opened_file& f, const std::string& path) {
+void open_as(opened_file& f, const std::string& path, bool for_writing) {
     f.file.reset();
-    f.stream = std::make_unique<cached_file_stream>(path);
+    if (for_writing) {
+        auto staged = std::make_unique<staged_file_stream>(path);
+        f.staged = staged.get();
+        f.stream = std::move(staged);
+    } else {
+        f.stream = std::make_unique<cached_file_stream>(path);
+    }
     constexpr auto style = TagLib::AudioProperties::Accurate;
     // The formats that may carry ID3v2 tags take the frame factory their path constructors use.
     if constexpr (std::is_constructible_v<File, TagLib::IOStream*, TagLib::ID3v2::FrameFactory*, bool,
@@ -105,25 +118,25 @@ void open_as(opened_file& f, const std::string& path) {
 
 // Opens the file with its audio properties, also for writing tags: TagLib takes almost any
 // bytes for MP3 or WAV, and only finding no audio in them tells that they are none.
-opened_file open_audio_file(const std::string& path) {
+opened_file open_audio_file(const std::string& path, bool for_writing = false) {
     const mode_t mode = regular_file_mode(path);
     const std::optional<audio_format> format = format_of(path);
     if (!format) fail_unreadable(path);
-    opened_file out{*format, is_marked_read_only(mode), nullptr, nullptr};
+    opened_file out{*format, is_marked_read_only(mode), nullptr, nullptr, nullptr};
     switch (*format) {
-    case audio_format::flac: open_as<TagLib::FLAC::File>(out, path); break;
-    case audio_format::mp3: open_as<TagLib::MPEG::File>(out, path); break;
+    case audio_format::flac: open_as<TagLib::FLAC::File>(out, path, for_writing); break;
+    case audio_format::mp3: open_as<TagLib::MPEG::File>(out, path, for_writing); break;
     case audio_format::ogg:
-        open_as<TagLib::Ogg::Vorbis::File>(out, path);
+        open_as<TagLib::Ogg::Vorbis::File>(out, path, for_writing);
         // ".ogg" is also used for Opus streams.
         if (!out.file->isValid()) {
             out.format = audio_format::opus;
-            open_as<TagLib::Ogg::Opus::File>(out, path);
+            open_as<TagLib::Ogg::Opus::File>(out, path, for_writing);
         }
         break;
-    case audio_format::opus: open_as<TagLib::Ogg::Opus::File>(out, path); break;
-    case audio_format::wav: open_as<TagLib::RIFF::WAV::File>(out, path); break;
-    case audio_format::mp4: open_as<TagLib::MP4::File>(out, path); break;
+    case audio_format::opus: open_as<TagLib::Ogg::Opus::File>(out, path, for_writing); break;
+    case audio_format::wav: open_as<TagLib::RIFF::WAV::File>(out, path, for_writing); break;
+    case audio_format::mp4: open_as<TagLib::MP4::File>(out, path, for_writing); break;
     }
     const TagLib::AudioProperties* p = out.file->isValid() ? out.file->audioProperties() : nullptr;
     if (!p || p->sampleRate() <= 0 || p->channels() <= 0) fail_unreadable(path);
@@ -366,18 +379,33 @@ track_info read_audio_file(const std::string& path) {
 }
 
 namespace {
-void save_or_raise(opened_file& f, const std::string& path, const tag_record& tags) {
+void stage_or_raise(opened_file& f, const std::string& path, const tag_record& tags) {
     if (f.file->readOnly() || f.marked_read_only) throw tunehall_io::exception_io_denied("Access denied: " + path);
     if (!save_tags(f, tags)) throw tunehall_io::exception_io("Cannot write tags: " + path);
 }
 } // namespace
 
-void write_tags(const std::string& path, const tag_record& tags) {
-    opened_file f = open_audio_file(path);
-    save_or_raise(f, path, tags);
+prepared_tag_write::prepared_tag_write(std::string path, std::unique_ptr<opened_file> file)
+    : path_(std::move(path)), file_(std::move(file)) {}
+prepared_tag_write::prepared_tag_write(prepared_tag_write&&) noexcept = default;
+prepared_tag_write::~prepared_tag_write() = default;
+
+bool prepared_tag_write::changes_file() { return !file_->staged->unchanged(); }
+std::int64_t prepared_tag_write::new_size() { return file_->staged->length(); }
+content_layout prepared_tag_write::undo_layout() { return file_->staged->undo_layout(); }
+void prepared_tag_write::commit() { file_->staged->commit(); }
+
+prepared_tag_write prepare_tag_write(const std::string& path, const tag_record& tags) {
+    auto f = std::make_unique<opened_file>(open_audio_file(path, /*for_writing=*/true));
+    stage_or_raise(*f, path, tags);
+    return prepared_tag_write(path, std::move(f));
 }
 
-void update_tags(const std::string& path, const std::function<std::optional<tag_record>(const tag_record&)>& change) {
-    opened_file f = open_audio_file(path);
-    if (std::optional<tag_record> changed = change(tags_of(f))) save_or_raise(f, path, *changed);
+void restore_content(const std::string& path, const content_layout& layout) {
+    staged_file_stream stream(path);
+    if (!stream.isOpen()) throw tunehall_io::exception_io_not_found("File not found: " + path);
+    stream.set_layout(layout);
+    stream.commit();
 }
+
+void write_tags(const std::string& path, const tag_record& tags) { prepare_tag_write(path, tags).commit(); }

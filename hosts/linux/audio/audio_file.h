@@ -3,10 +3,13 @@
 // plays, its technical fields, its tags, and writing its tags. Paths are UTF-8.
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include <tunehall/track.h>
+
+#include "staged_file_stream.h"
 
 // Whether `path` names a file of a type read here, judged by its extension.
 bool is_audio_file_name(const std::string& path);
@@ -23,13 +26,40 @@ inline constexpr const char* length_kind_field = "length_kind";
 // exception_io_data; both texts name the file.
 track_info read_audio_file(const std::string& path);
 
+struct opened_file;
+
+// A tag write worked out but not yet in the file: the file's new content is known, the file is
+// unchanged until commit(), which leaves it either as it was or as intended, whenever the process
+// is killed.
+class prepared_tag_write {
+public:
+    prepared_tag_write(std::string path, std::unique_ptr<opened_file> file);
+    prepared_tag_write(prepared_tag_write&&) noexcept;
+    ~prepared_tag_write();
+    const std::string& path() const { return path_; }
+    // Whether the file's bytes would change at all.
+    bool changes_file();
+    std::int64_t new_size();
+    // The file as it is now, described from the written file: what restore_content() needs to
+    // put it back byte for byte.
+    linux_audio::content_layout undo_layout();
+    void commit();
+
+private:
+    std::string path_;
+    std::unique_ptr<opened_file> file_;
+};
+
+// Works out the write of `tags` as write_tags does, without changing the file. Failures as for
+// write_tags.
+prepared_tag_write prepare_tag_write(const std::string& path, const tag_record& tags);
+
+// Rebuilds the file at `path` from `layout` (pieces of the file as it is now and bytes), safely
+// as commit() writes.
+void restore_content(const std::string& path, const linux_audio::content_layout& layout);
+
 // Replaces the file's tags by exactly `tags`: a field absent from `tags` is removed from the
 // file ("year" is never written). Pictures and other non-text data stay. A missing file
 // raises exception_io_not_found, a read-only one exception_io_denied, before anything is
 // changed; every text names the file.
 void write_tags(const std::string& path, const tag_record& tags);
-
-// Reads the file's tags, hands them to `change`, and when it returns a record writes that one as
-// write_tags does, through the same opened file: one open per file instead of two. Failures as
-// for read_audio_file and write_tags.
-void update_tags(const std::string& path, const std::function<std::optional<tag_record>(const tag_record&)>& change);

@@ -41,6 +41,16 @@ public:
         return true;
     }
 
+    // Who the file was at the first read; moved on by the host's own writes.
+    std::optional<linux_audio::file_identity> first_identity() const {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return first_;
+    }
+    void set_first_identity(const linux_audio::file_identity& id) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        first_ = id;
+    }
+
 private:
     // Handles are shared between the main thread and the host's workers.
     track_info current_info() const {
@@ -48,8 +58,11 @@ private:
         const std::optional<file_stamp> now = stamp_of(path_);
         if (!info_ || !now || now != stamp_) {
             // An unreadable or vanished file reads afresh, so the error names it.
+            std::optional<linux_audio::file_identity> id;
+            if (!first_) id = linux_audio::identity_of(path_);
             info_ = read_audio_file(path_);
             stamp_ = now;
+            if (!first_) first_ = id;
         }
         return *info_;
     }
@@ -58,8 +71,18 @@ private:
     mutable std::mutex mutex_;
     mutable std::optional<track_info> info_;
     mutable std::optional<file_stamp> stamp_;
+    mutable std::optional<linux_audio::file_identity> first_;
 };
 
 } // namespace
 
 service_ref<track_handle> make_file_track(const std::string& path) { return make_service<file_track>(path); }
+
+std::optional<linux_audio::file_identity> identity_when_read(const track_ref& track) {
+    if (const auto* f = dynamic_cast<const file_track*>(track.get())) return f->first_identity();
+    return std::nullopt;
+}
+
+void note_own_write(const track_ref& track) {
+    if (auto* f = dynamic_cast<file_track*>(track.get())) f->set_first_identity(linux_audio::identity_of(track->path()));
+}

@@ -22,6 +22,7 @@ int run_config(const global_options& globals, const arguments& args);
 int run_show(const global_options& globals, const arguments& args);
 int run_tag(const global_options& globals, const arguments& args);
 int run_musicbrainz(const global_options& globals, const arguments& args);
+int run_undo(const global_options& globals, const arguments& args);
 
 // A track's fields as JSON ([[name, [values...]], ...]) and as "  name=value" lines.
 class json_writer;

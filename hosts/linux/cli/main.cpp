@@ -34,6 +34,7 @@ int dispatch(const invocation& inv) {
     if (command == "show") return run_show(inv.globals, rest);
     if (command == "tag") return run_tag(inv.globals, rest);
     if (command == "musicbrainz") return run_musicbrainz(inv.globals, rest);
+    if (command == "undo") return run_undo(inv.globals, rest);
     throw usage_error{"unknown command '" + command + "' (try tessellon --help)"};
 }
 

@@ -1,11 +1,10 @@
 // `tessellon musicbrainz`: the MusicBrainz tagging source as the player offers it. Without
 // --write the lookup opens the "MusicBrainz Lookup" dialog (headless), the edits are typed into
-// its list cells and "Save" writes the tags; with --write the lookup writes at once.
+// its list cells and "Save" writes the tags; with --write the lookup writes at once. Either way the
+// host's tag update shows what will change first and asks on a terminal.
 
 #include <cstdio>
-#include <iostream>
 #include <optional>
-#include <unistd.h>
 
 #include <tunehall/answer_cache_policy.h>
 #include <tunehall/core.h>
@@ -19,6 +18,7 @@
 #include "cli/session.h"
 #include "cli/track_input.h"
 #include "musicbrainz/cache.h"
+#include "cli/write_preview.h"
 #include "musicbrainz/disc_id.h"
 #include "musicbrainz/lookup.h"
 #include "musicbrainz/release_dialog.h"
@@ -64,18 +64,14 @@ std::string release_text(const std::string& disc_id, const musicbrainz_release& 
     return out;
 }
 
-std::string release_json(const std::string& disc_id, const musicbrainz_release& r) {
-    json_writer json;
-    json.begin_object().key("disc_id").value(disc_id);
-    if (r.matched_by_toc) json.key("matched_by").value("toc");
-    json.key("release").begin_object();
+void release_json(json_writer& json, const musicbrainz_release& r) {
+    json.begin_object();
     json.key("title").value(r.title).key("album_artist").strings(r.album_artist).key("date").value(r.date);
     json.key("disc_number").value(static_cast<std::int64_t>(r.disc_number));
     json.key("total_discs").value(static_cast<std::int64_t>(r.total_discs));
     json.key("tracks").begin_array();
     for (auto& t : r.tracks) json.begin_object().key("title").value(t.title).key("artist").strings(t.artist).end_object();
-    json.end_array().end_object().end_object();
-    return json.text() + "\n";
+    json.end_array().end_object();
 }
 
 bool has_edits(const option_reader& options) {
@@ -101,17 +97,40 @@ void apply_edits(headless_view& view, const option_reader& options) {
     }
 }
 
-bool user_confirms() {
-    std::fprintf(stderr, "Write these tags? [Y/n] ");
-    std::string line;
-    if (!std::getline(std::cin, line)) return false;
-    return line.empty() || line == "y" || line == "Y" || line == "yes";
+// The release as written, from the tags the update gave the files: what the write-at-once
+// entry, which shows no dialog, wrote.
+std::optional<musicbrainz_release> release_written(const hostkit::update_plan& plan) {
+    if (plan.files.empty()) return std::nullopt;
+    auto text = [](const tag_record& t, const char* name) {
+        const std::size_t f = t.find_field(name);
+        return f == tag_record::npos || t.value_count(f) == 0 ? std::string() : t.value(f, 0);
+    };
+    auto texts = [](const tag_record& t, const char* name) {
+        std::vector<std::string> out;
+        const std::size_t f = t.find_field(name);
+        for (std::size_t v = 0; f != tag_record::npos && v < t.value_count(f); ++v) out.push_back(t.value(f, v));
+        return out;
+    };
+    const tag_record& first = plan.files.front().after;
+    musicbrainz_release r;
+    r.title = text(first, "album");
+    r.album_artist = texts(first, "album artist");
+    r.date = text(first, "date");
+    r.disc_number = static_cast<unsigned>(std::strtoul(text(first, "discnumber").c_str(), nullptr, 10));
+    r.total_discs = static_cast<unsigned>(std::strtoul(text(first, "totaldiscs").c_str(), nullptr, 10));
+    for (const auto& f : plan.files) {
+        musicbrainz_track t;
+        t.title = text(f.after, "title");
+        t.artist = texts(f.after, "artist");
+        r.tracks.push_back(std::move(t));
+    }
+    return r;
 }
 
 } // namespace
 
 int run_musicbrainz(const global_options& globals, const arguments& args) {
-    option_reader options(args, {"--json", "--write", "--refresh"},
+    option_reader options(args, {"--json", "--write", "--refresh", "--dry-run", "--yes"},
                           {"--lengths", "--toc", "--data-track", "--title", "--artist", "--date", "--disc", "--track-title", "--track-artist"});
     const bool write_at_once = options.flag("--write");
     if (write_at_once && has_edits(options))
@@ -129,6 +148,9 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
     const std::size_t windows_before = windows.open().size();
     auto done = make_service<done_flag>();
     std::optional<musicbrainz_release> shown;
+    const write_choice choice{options.flag("--dry-run"), options.flag("--yes"), options.flag("--json"), ""};
+    s.tag_update().set_gate(make_write_gate(choice));
+    s.tag_files().describe_run(command_text("musicbrainz", args), album_text(tracks));
 
     {
         interrupt_scope ctrl_c(s.host().tasks());
@@ -161,40 +183,34 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
                 } catch (const std::exception& e) {
                     throw usage_error{std::string("--disc: ") + e.what() + " (expected N/M)"};
                 }
-                if (isatty(STDIN_FILENO)) {
-                    std::fputs(release_text(disc_id, *shown).c_str(), stderr);
-                    if (!user_confirms()) {
-                        view->click(cancel_button);
-                        return exit_nothing;
-                    }
-                }
                 view->click(save_button);
                 s.host().queue().run_until([&] { return done->result.has_value() && idle(); });
             }
         }
-        if (interrupt_scope::interrupted()) return exit_nothing;
     }
 
-    if (!done->result.value_or(false)) {
-        // The component told the user through a popup (on stderr); "nothing found" is not a
-        // failure of the program.
+    const auto& result = s.tag_update().last_result();
+    if (!result && interrupt_scope::interrupted()) return exit_nothing;
+    if (!result) {
+        // No update ran: the component told the user through a popup (on stderr); "nothing
+        // found" is not a failure of the program.
         auto popups = s.host().popups().popups();
         const bool no_match = popups.size() > popups_before && popups.back().message.ends_with("No matching entry");
         return no_match ? exit_nothing : exit_failure;
     }
-    if (!shown) {
-        // The write-at-once entry shows nothing; its release is in the cache the lookup just
-        // filled or read, so reading it again asks no server (even after --refresh).
-        abort_source_dummy no_abort;
-        musicbrainz_cache cache;
-        shown = *musicbrainz_lookup(tracks, no_abort, cache, musicbrainz_cache_use::answer_from_cache);
-    }
-    if (options.flag("--json"))
-        std::fputs(release_json(disc_id, *shown).c_str(), stdout);
-    else
+    if (!shown) shown = release_written(result->plan);
+    if (choice.json) {
+        json_writer json;
+        json.begin_object().key("disc_id").value(disc_id);
+        if (shown && shown->matched_by_toc) json.key("matched_by").value("toc");
+        if (shown) release_json(json.key("release"), *shown);
+        json.key("written").value(result->result == hostkit::update_result::outcome::written).key("tracks");
+        write_plan_json(json, result->plan);
+        std::printf("%s\n", json.end_object().text().c_str());
+    } else if (shown && !choice.dry_run) {
         std::fputs(release_text(disc_id, *shown).c_str(), stdout);
-    std::fprintf(stderr, "tessellon: tagged %zu files from MusicBrainz\n", tracks.size());
-    return exit_ok;
+    }
+    return report_update(result, choice, " from MusicBrainz");
 }
 
 } // namespace tessellon_cli

@@ -7,14 +7,16 @@
 
 namespace tessellon_cli {
 
-session::session(const global_options& globals, component_source source, bool write_tags, settings_use settings) {
+session::session(const global_options& globals, component_source source, settings_use settings) {
     hostkit::host_options options;
     options.profile = hostkit::default_profile(globals.profile);
     options.progress = &progress_;
     options.leave_profile_alone = settings == settings_use::this_run;
     host_ = std::make_unique<hostkit::host>(options);
     host_->services().add_instance(filesystem::class_guid, service_ptr(make_http_filesystem().get()));
-    if (write_tags) host_->services().add_instance(tag_update::class_guid, make_service<hostkit::tag_update_engine>(tag_files_));
+    tag_files_.set_journal(std::make_unique<linux_host::undo_journal>(options.profile / "journal"));
+    engine_ = make_service<hostkit::tag_update_engine>(tag_files_);
+    host_->services().add_instance(tag_update::class_guid, engine_);
     if (source == component_source::file || !globals.component.empty()) {
         std::filesystem::path file = globals.component.empty() ? default_component_path() : hostkit::utf8_path(globals.component);
         component_ = &host_->load_component(hostkit::path_utf8(file));

@@ -22,19 +22,21 @@ public:
     // profile's settings (and log) as it found them, whatever boxes its dialogs click.
     enum class settings_use { this_run, saved };
 
-    // `write_tags` false: the host's tag update is left out (the caller registers its own, as
-    // --dry-run does).
     explicit session(const global_options& globals, component_source source = component_source::linked,
-                     bool write_tags = true, settings_use settings = settings_use::this_run);
+                     settings_use settings = settings_use::this_run);
     ~session();
 
     hostkit::host& host() { return *host_; }
+    // The host's tag update, journaled in the profile's `journal` folder.
+    hostkit::tag_update_engine& tag_update() { return *engine_; }
+    linux_host::file_tag_io& tag_files() { return tag_files_; }
     hostkit::loaded_component& component() { return *component_; }
 
 private:
     linux_host::terminal_progress progress_;
     linux_host::file_tag_io tag_files_;
     std::unique_ptr<hostkit::host> host_;
+    service_ref<hostkit::tag_update_engine> engine_;
     hostkit::loaded_component* component_ = nullptr;
 };
 

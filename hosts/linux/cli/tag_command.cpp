@@ -1,6 +1,6 @@
 // `tessellon tag`: the whole tagging road as a user takes it. The lookup runs, the tagger dialog
 // opens (headless), the chosen match is selected and corrected by setting its controls, and
-// "&Update files" writes the tags through the host's tag update.
+// "&Update files" writes the tags through the host's tag update, after its preview.
 
 #include <cstdio>
 #include <iostream>
@@ -19,6 +19,7 @@
 #include "cli/session.h"
 #include "cli/track_input.h"
 #include "tagger/tagger_controls.h"
+#include "cli/write_preview.h"
 #include "ui/headless/headless_view.h"
 
 namespace tessellon_cli {
@@ -32,27 +33,6 @@ constexpr int matches_list = tagger_controls::matches, artist_edit = tagger_cont
               wipe_check = tagger_controls::wipe_tags, update_button = tagger_controls::update_button,
               close_button = tagger_controls::close_button;
 using tagger_controls::comment_column, tagger_controls::title_column;
-
-// For --dry-run: takes the update, shows what would be written, writes nothing, and reports
-// the update as not done so the dialog stays open.
-class dry_run_update : public tag_update {
-public:
-    void update_async(const track_list& tracks, service_ref<tag_update_filter> filter, HWND, std::uint32_t,
-                      service_ref<completion_notification> done, std::uint32_t task_id) override {
-        for (auto& t : tracks) {
-            // On an empty record the filter leaves exactly the prepared fields, in their order.
-            tag_record prepared;
-            filter->apply(t, prepared);
-            result.emplace_back(t->path(), prepared);
-        }
-        called = true;
-        host_service<main_thread_queue>()->post([done, task_id] {
-            if (done) done->on_completion(task_id, completion_notification::result_aborted);
-        });
-    }
-    bool called = false;
-    std::vector<std::pair<std::string, tag_record>> result;
-};
 
 // Rows of the matches list that carry a match, in the order the dialog lists them.
 std::vector<std::size_t> match_rows(headless_view& v) {
@@ -86,15 +66,12 @@ void set_check(headless_view& v, int id, bool wanted) {
 } // namespace
 
 int run_tag(const global_options& globals, const arguments& args) {
-    option_reader options(args, {"--json", "--wipe", "--keep", "--dry-run", "--various", "--not-various"},
+    option_reader options(args, {"--json", "--wipe", "--keep", "--dry-run", "--yes", "--various", "--not-various"},
                           {"--lengths", "--match", "--artist", "--album", "--year", "--genre", "--title", "--comment"});
     if (options.flag("--wipe") && options.flag("--keep")) throw usage_error{"--wipe and --keep exclude each other"};
     if (options.flag("--various") && options.flag("--not-various")) throw usage_error{"--various and --not-various exclude each other"};
-    const bool dry = options.flag("--dry-run");
-    session s(globals, session::component_source::linked, /*write_tags=*/!dry);
+    session s(globals);
     hostkit::window_list& windows = s.host().windows();
-    auto dry_run = make_service<dry_run_update>();
-    if (dry) s.host().services().add_instance(tag_update::class_guid, dry_run);
 
     track_list tracks = read_tracks(options);
     service_ref<lookup_state> unused;
@@ -144,7 +121,10 @@ int run_tag(const global_options& globals, const arguments& args) {
     if (options.flag("--wipe")) set_check(*view, wipe_check, true);
     if (options.flag("--keep")) set_check(*view, wipe_check, false);
 
-    std::size_t messages_before = view->messages().size();
+    write_choice choice{options.flag("--dry-run"), options.flag("--yes"), options.flag("--json"),
+                        view->get_check(wipe_check) == 1 ? "wipe" : "keep"};
+    s.tag_update().set_gate(make_write_gate(choice));
+    s.tag_files().describe_run(command_text("tag", args), album_text(tracks));
     std::size_t console_before = s.host().console().lines().size();
     {
         interrupt_scope ctrl_c(s.host().tasks());
@@ -156,35 +136,22 @@ int run_tag(const global_options& globals, const arguments& args) {
                    (view->window_enabled() && s.host().tasks().running() == 0);
         });
     }
-    bool closed = !windows.is_open(dialog);
-    if (!closed) {
-        for (std::size_t i = messages_before; i < view->messages().size(); ++i)
-            std::fprintf(stderr, "%s: %s\n", view->messages()[i].caption.c_str(), view->messages()[i].text.c_str());
+    const auto& result = s.tag_update().last_result();
+    if (!result) {
         auto lines = s.host().console().lines();
-        bool mismatch = std::find(lines.begin() + static_cast<long>(console_before), lines.end(), "Error: track count mismatch") != lines.end();
-        view->click(close_button);
-        if (dry && dry_run->called) {
-            if (options.flag("--json")) {
-                json_writer json;
-                json.begin_object().key("tracks").begin_array();
-                for (auto& [path, fields] : dry_run->result) {
-                    json.begin_object().key("path").value(path).key("fields");
-                    write_fields_json(json, fields);
-                    json.end_object();
-                }
-                json.end_array().end_object();
-                std::printf("%s\n", json.text().c_str());
-            } else {
-                for (auto& [path, fields] : dry_run->result) std::printf("%s\n%s", path.c_str(), fields_text(fields).c_str());
-            }
-            return exit_ok;
-        }
-        if (mismatch) std::fprintf(stderr, "tessellon: the match has a different number of tracks than the album\n");
-        if (interrupt_scope::interrupted()) return exit_nothing;
-        return exit_failure;
+        if (std::find(lines.begin() + static_cast<long>(console_before), lines.end(), "Error: track count mismatch") != lines.end())
+            std::fprintf(stderr, "tessellon: the match has a different number of tracks than the album\n");
+        return interrupt_scope::interrupted() ? exit_nothing : exit_failure;
     }
-    std::fprintf(stderr, "tessellon: tagged %zu files\n", tracks.size());
-    return exit_ok;
+    if (choice.json) {
+        json_writer json;
+        json.begin_object().key("mode").value(choice.mode).key("written").value(result->result == hostkit::update_result::outcome::written);
+        json.key("tracks");
+        write_plan_json(json, result->plan);
+        json.end_object();
+        std::printf("%s\n", json.text().c_str());
+    }
+    return report_update(result, choice, "");
 }
 
 } // namespace tessellon_cli

@@ -55,6 +55,12 @@ bool has(const lines& l, const std::string& line) { return std::find(l.begin(), 
 TEST_F(musicbrainz_cli, write_tags_the_album_and_a_second_run_asks_the_service_nothing) {
     auto folder = album(ziggy_disc1, audio_format::flac);
     run_audio_tool({"metaflac", "--set-tag=GENRE=Glam Rock", "--set-tag=COMMENT=mine", (folder / "Track 01.flac").string()});
+    const std::string untagged = read_file(folder / "Track 02.flac");
+    auto dry = run({"musicbrainz", folder.string(), "--write", "--dry-run", "--json"});
+    ASSERT_EQ(dry.exit_code, 0) << dry.err;
+    EXPECT_NE(dry.out.find("\"written\":false"), std::string::npos) << dry.out;
+    EXPECT_NE(dry.out.find("{\"field\":\"title\",\"change\":\"added\",\"old\":[],\"new\":[\"Soul Love\"]}"), std::string::npos) << dry.out;
+    EXPECT_EQ(read_file(folder / "Track 02.flac"), untagged);
     auto first = run({"musicbrainz", folder.string(), "--write"});
     ASSERT_EQ(first.exit_code, 0) << first.err;
     EXPECT_EQ(requests_for(ziggy_disc1), 1u);
