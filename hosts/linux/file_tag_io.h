@@ -3,6 +3,8 @@
 
 #include <hostkit/tag_update_engine.h>
 
+#include "audio/audio_file.h"
+
 namespace linux_host {
 
 class file_tag_io final : public hostkit::tag_io {
@@ -11,6 +13,10 @@ public:
     void write_tags(const track_ref& track, const tag_record& tags) override;
     // One open per file: read, decide, save.
     void update_tags(const track_ref& track, const change_fn& change) override;
+    void set_options(const tag_write_options& options) { options_ = options; }
+
+private:
+    tag_write_options options_;
 };
 
 } // namespace linux_host

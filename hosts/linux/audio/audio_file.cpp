@@ -220,7 +220,8 @@ tag_record tags_of(const opened_file& f) {
     return {};
 }
 
-bool save_tags(opened_file& f, const tag_record& tags) {
+bool save_tags(opened_file& f, const tag_record& tags, const tag_write_options& options) {
+    const auto id3v2_version = options.id3v2_version == 3 ? TagLib::ID3v2::v3 : TagLib::ID3v2::v4;
     switch (f.format) {
     case audio_format::flac: {
         auto& flac = static_cast<TagLib::FLAC::File&>(*f.file);
@@ -232,8 +233,9 @@ bool save_tags(opened_file& f, const tag_record& tags) {
     case audio_format::mp3: {
         auto& mp3 = static_cast<TagLib::MPEG::File&>(*f.file);
         write_id3v2(*mp3.ID3v2Tag(true), tags);
-        // The ID3v1 and APE copies of the old values go: they cannot hold what was written.
-        return mp3.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripOthers, TagLib::ID3v2::v4,
+        // The ID3v1 and APE copies of the old values go: they cannot hold what was written. In
+        // v2.3 TagLib writes the date as TYER and TDAT.
+        return mp3.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripOthers, id3v2_version,
                         TagLib::File::DoNotDuplicate);
     }
     case audio_format::ogg:
@@ -243,7 +245,7 @@ bool save_tags(opened_file& f, const tag_record& tags) {
     case audio_format::wav: {
         auto& wav = static_cast<TagLib::RIFF::WAV::File&>(*f.file);
         write_id3v2(*wav.ID3v2Tag(), tags);
-        return wav.save(TagLib::RIFF::WAV::File::ID3v2, TagLib::File::StripOthers, TagLib::ID3v2::v4);
+        return wav.save(TagLib::RIFF::WAV::File::ID3v2, TagLib::File::StripOthers, id3v2_version);
     }
     case audio_format::mp4:
         write_mp4(*static_cast<TagLib::MP4::File&>(*f.file).tag(), tags);
@@ -274,18 +276,19 @@ track_info read_audio_file(const std::string& path) {
 }
 
 namespace {
-void save_or_raise(opened_file& f, const std::string& path, const tag_record& tags) {
+void save_or_raise(opened_file& f, const std::string& path, const tag_record& tags, const tag_write_options& options) {
     if (f.file->readOnly() || f.marked_read_only) throw tunehall_io::exception_io_denied("Access denied: " + path);
-    if (!save_tags(f, tags)) throw tunehall_io::exception_io("Cannot write tags: " + path);
+    if (!save_tags(f, tags, options)) throw tunehall_io::exception_io("Cannot write tags: " + path);
 }
 } // namespace
 
-void write_tags(const std::string& path, const tag_record& tags) {
+void write_tags(const std::string& path, const tag_record& tags, const tag_write_options& options) {
     opened_file f = open_audio_file(path);
-    save_or_raise(f, path, tags);
+    save_or_raise(f, path, tags, options);
 }
 
-void update_tags(const std::string& path, const std::function<std::optional<tag_record>(const tag_record&)>& change) {
+void update_tags(const std::string& path, const std::function<std::optional<tag_record>(const tag_record&)>& change,
+                 const tag_write_options& options) {
     opened_file f = open_audio_file(path);
-    if (std::optional<tag_record> changed = change(tags_of(f))) save_or_raise(f, path, *changed);
+    if (std::optional<tag_record> changed = change(tags_of(f))) save_or_raise(f, path, *changed, options);
 }
