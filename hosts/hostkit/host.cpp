@@ -26,8 +26,8 @@ host::host(const host_options& options) : profile_(options.profile), registry_(q
     tunehall::set_core(&registry_);
 
     config_ = make_service<config_store_file>(profile_ / config_file_name);
-    console_ = make_service<console_log>(profile_ / log_file_name, options.console_to_stderr);
-    popups_ = make_service<popup_recorder>(options.popups_to_stderr);
+    console_ = make_service<console_log>(profile_ / log_file_name, options.console_to_stderr, options.echo_line);
+    popups_ = make_service<popup_recorder>(options.popups_to_stderr, options.echo_line);
     tasks_ = make_service<threaded_process_worker>(queue_, options.progress);
     windows_ = make_service<window_list>();
 
