@@ -117,7 +117,7 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
     std::optional<musicbrainz_release> shown;
 
     {
-        interrupt_scope ctrl_c(s.host().tasks());
+        interrupt_scope ctrl_c(&s.host().tasks());
         auto source = musicbrainz_source();
         auto idle = [&] { return s.host().tasks().running() == 0; };
         if (write_at_once) {
@@ -165,7 +165,9 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
         // The component told the user through a popup (on stderr); "nothing found" is not a
         // failure of the program.
         auto popups = s.host().popups().popups();
-        const bool no_match = popups.size() > popups_before && popups.back().message.ends_with("No matching entry");
+        // A disc the service does not know is answered with 404 (not found).
+        const std::string said = popups.size() > popups_before ? popups.back().message : "";
+        const bool no_match = said.ends_with("No matching entry") || said.find("failed: 404") != std::string::npos;
         return no_match ? exit_nothing : exit_failure;
     }
     if (!shown) {
