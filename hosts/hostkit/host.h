@@ -26,7 +26,7 @@ struct host_options {
     bool popups_to_stderr = true;
     progress_display* progress = nullptr;   // null: tasks run without a display
     // Writes an echoed console line or popup (without its newline); empty: straight to stderr.
-    std::function<void(const std::string&)> echo_line;
+    std::function<void(const std::string&)> echo_line = {};
     bool window_list = true;                 // register windows() as the modeless-window service
 };
 
