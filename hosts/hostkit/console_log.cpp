@@ -4,7 +4,8 @@
 
 namespace hostkit {
 
-console_log::console_log(const std::filesystem::path& log_file, bool echo_to_stderr) : echo_(echo_to_stderr) {
+console_log::console_log(const std::filesystem::path& log_file, bool echo_to_stderr, std::function<void(const std::string&)> echo)
+    : echo_(echo_to_stderr), echo_line_(std::move(echo)) {
     if (!log_file.empty()) file_ = open_file(log_file, "ab");
 }
 
@@ -19,7 +20,11 @@ void console_log::print(const char* text) {
         std::fprintf(file_, "%s\n", text);
         std::fflush(file_);
     }
-    if (echo_) std::fprintf(stderr, "%s\n", text);
+    if (!echo_) return;
+    if (echo_line_)
+        echo_line_(text);
+    else
+        std::fprintf(stderr, "%s\n", text);
 }
 
 std::vector<std::string> console_log::lines() const {

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -14,7 +15,8 @@ namespace hostkit {
 
 class console_log : public console_receiver {
 public:
-    console_log(const std::filesystem::path& log_file, bool echo_to_stderr);
+    // `echo` writes an echoed line (without its newline); empty: straight to stderr.
+    console_log(const std::filesystem::path& log_file, bool echo_to_stderr, std::function<void(const std::string&)> echo = {});
     ~console_log();
     void print(const char* text) override;
     // Every line printed so far.
@@ -24,6 +26,7 @@ private:
     mutable std::mutex lock_;
     std::FILE* file_ = nullptr;
     bool echo_;
+    std::function<void(const std::string&)> echo_line_;
     std::vector<std::string> lines_;
 };
 

@@ -27,8 +27,8 @@ host::host(const host_options& options) : profile_(options.profile), registry_(q
 
     config_ = make_service<config_store_file>(profile_ / config_file_name);
     console_ = make_service<console_log>(options.leave_profile_alone ? std::filesystem::path() : profile_ / log_file_name,
-                                         options.console_to_stderr);
-    popups_ = make_service<popup_recorder>(options.popups_to_stderr);
+                                         options.console_to_stderr, options.echo_line);
+    popups_ = make_service<popup_recorder>(options.popups_to_stderr, options.echo_line);
     tasks_ = make_service<threaded_process_worker>(queue_, options.progress);
     windows_ = make_service<window_list>();
 

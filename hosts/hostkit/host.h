@@ -4,6 +4,7 @@
 // loaded. Platform hosts add their own services (HTTP, tracks, windows) before loading.
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,6 +26,8 @@ struct host_options {
     bool console_to_stderr = true;
     bool popups_to_stderr = true;
     progress_display* progress = nullptr;   // null: tasks run without a display
+    // Writes an echoed console line or popup (without its newline); empty: straight to stderr.
+    std::function<void(const std::string&)> echo_line = {};
     bool window_list = true;                 // register windows() as the modeless-window service
     // Settings changed during this run last for the run only (the profile's settings file is
     // read, never written), and the console is not logged to the profile either: a run like

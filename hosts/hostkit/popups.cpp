@@ -10,7 +10,10 @@ void popup_recorder::messageBoxAsync(HWND, const char* message, const char* titl
         std::lock_guard lock(lock_);
         popups_.push_back({title, message, flags});
     }
-    if (echo_) std::fprintf(stderr, "%s: %s\n", title, message);
+    if (echo_ && echo_line_)
+        echo_line_(std::string(title) + ": " + message);
+    else if (echo_)
+        std::fprintf(stderr, "%s: %s\n", title, message);
     if (done) done(popup_message_v3::id_ok);
 }
 

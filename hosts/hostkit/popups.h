@@ -18,7 +18,9 @@ struct popup_entry {
 
 class popup_recorder : public popup_message_v3 {
 public:
-    explicit popup_recorder(bool echo_to_stderr) : echo_(echo_to_stderr) {}
+    // `echo` as for console_log.
+    explicit popup_recorder(bool echo_to_stderr, std::function<void(const std::string&)> echo = {})
+        : echo_(echo_to_stderr), echo_line_(std::move(echo)) {}
     void messageBoxAsync(HWND parent, const char* message, const char* title, std::uint32_t flags,
                          std::function<void(int)> done) override;
     std::vector<popup_entry> popups() const;
@@ -26,6 +28,7 @@ public:
 private:
     mutable std::mutex lock_;
     bool echo_;
+    std::function<void(const std::string&)> echo_line_;
     std::vector<popup_entry> popups_;
 };
 

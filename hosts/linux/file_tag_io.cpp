@@ -79,9 +79,9 @@ void file_tag_io::write_tags(const track_ref& track, const tag_record& tags) {
     const std::string path = track->path();
     auto it = run_files_.find(path);
     if (!journaling_ || it == run_files_.end()) {
-        ::write_tags(path, tags);
+        ::write_tags(path, tags, options_);
     } else {
-        prepared_tag_write write = prepare_tag_write(path, tags);
+        prepared_tag_write write = prepare_tag_write(path, tags, options_);
         const file_identity before = identity_of(path);
         journal_->record_before(it->second, before, write.new_size(), write.undo_layout());
         write.commit();

@@ -7,6 +7,7 @@
 
 #include <hostkit/tag_update_engine.h>
 
+#include "audio/audio_file.h"
 #include "audio/staged_file_stream.h"
 #include "undo_journal.h"
 
@@ -25,6 +26,7 @@ public:
     void restore(const hostkit::planned_file& file) override;
 
     // Journals every later run, under `command` and `album` (set before each update).
+    void set_options(const tag_write_options& options) { options_ = options; }
     void set_journal(std::unique_ptr<undo_journal> journal) { journal_ = std::move(journal); }
     void describe_run(std::string command, std::string album) {
         command_ = std::move(command);
@@ -32,6 +34,7 @@ public:
     }
 
 private:
+    tag_write_options options_;
     std::unique_ptr<undo_journal> journal_;
     std::string command_, album_;
     bool journaling_ = false;

@@ -30,7 +30,19 @@ void terminal_progress::item(const std::string& text) {
 void terminal_progress::end(bool aborted) {
     std::lock_guard lock(lock_);
     if (tty_) std::fputs("\r\033[K", stderr);
+    drawn_ = false;
     std::fprintf(stderr, "%s: %s\n", title_.c_str(), aborted ? "aborted" : "done");
+}
+
+void terminal_progress::print_line(const std::string& text) {
+    std::lock_guard lock(lock_);
+    if (!drawn_) {
+        std::fprintf(stderr, "%s\n", text.c_str());
+        return;
+    }
+    std::fprintf(stderr, "\r\033[K%s\n", text.c_str());
+    drawn_percent_ = -1;
+    draw_locked();
 }
 
 // Redraws only when the whole percentage changes: a terminal is slow to write to.
@@ -43,6 +55,7 @@ void terminal_progress::draw_locked() {
     std::string bar(static_cast<std::size_t>(filled), '#');
     bar.append(static_cast<std::size_t>(width - filled), '.');
     std::fprintf(stderr, "\r\033[K%s [%s] %3d%%", title_.c_str(), bar.c_str(), percent);
+    drawn_ = true;
     std::fflush(stderr);
 }
 

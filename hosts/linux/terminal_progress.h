@@ -17,6 +17,8 @@ public:
     void progress(std::uint32_t value) override;
     void item(const std::string& text) override;
     void end(bool aborted) override;
+    // Writes a line of text to stderr; on a terminal above the bar, which is drawn again below.
+    void print_line(const std::string& text);
 
 private:
     void draw_locked();
@@ -27,6 +29,7 @@ private:
     std::string item_;
     std::uint32_t value_ = 0;
     int drawn_percent_ = -1;
+    bool drawn_ = false;  // the bar is on the terminal's last line
 };
 
 } // namespace linux_host

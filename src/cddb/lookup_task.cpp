@@ -63,12 +63,6 @@ void lookup_task::ask_server(std::size_t i, std::size_t n, threaded_process_stat
     }
 }
 
-bool only_placeholder_server(const server_list& servers) {
-    server_record placeholder;
-    default_server_record(placeholder);
-    return servers.size() == 1 && servers[0] == placeholder;
-}
-
 std::string no_information_message(const track_list& tracks) {
     std::string text = "No information found on server for files:";
     for (const track_ref& t : tracks) {
@@ -99,8 +93,7 @@ void lookup_task::on_done(HWND parent, bool aborted) {
         auto windows = try_host_service<modeless_window_manager>();
         factories.front()->open(windows ? windows->main_window() : parent, state_);
     } else {
-        std::string text = no_information_message(state_->tracks);
-        if (only_placeholder_server(servers_)) text += placeholder_server_hint;
+        const std::string text = no_information_message(state_->tracks);
         host_service<popup_message_v3>()->messageBoxAsync(parent, text.c_str(), "discora tagger", popup_message_v3::mb_ok, {});
     }
     if (done_) done_(found);

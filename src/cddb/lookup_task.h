@@ -40,9 +40,3 @@ inline constexpr const char* lookup_progress_title = "Querying information from 
 void start_lookup(const track_list& tracks, HWND parent, lookup_task::done_callback done = {});
 // The text shown when no server found anything for `tracks`.
 std::string no_information_message(const track_list& tracks);
-// Whether `servers` is just the built-in placeholder, which names no real server: the message
-// then also says how to set one up.
-bool only_placeholder_server(const server_list& servers);
-inline constexpr const char* placeholder_server_hint =
-    "\n\nNo discora server is set up yet. Add one on the \"discora Tagger\" preferences page "
-    "(on the command line: tessellon servers add HOST PORT ADDRESS DESCRIPTION).";

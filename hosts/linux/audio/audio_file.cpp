@@ -323,7 +323,8 @@ tag_record tags_of(const opened_file& f) {
     return {};
 }
 
-bool save_tags(opened_file& f, const tag_record& tags) {
+bool save_tags(opened_file& f, const tag_record& tags, const tag_write_options& options) {
+    const auto id3v2_version = options.id3v2_version == 3 ? TagLib::ID3v2::v3 : TagLib::ID3v2::v4;
     switch (f.format) {
     case audio_format::flac: {
         auto& flac = static_cast<TagLib::FLAC::File&>(*f.file);
@@ -335,8 +336,9 @@ bool save_tags(opened_file& f, const tag_record& tags) {
     case audio_format::mp3: {
         auto& mp3 = static_cast<TagLib::MPEG::File&>(*f.file);
         write_id3v2(*mp3.ID3v2Tag(true), tags);
-        // The ID3v1 and APE copies of the old values go: they cannot hold what was written.
-        return mp3.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripOthers, TagLib::ID3v2::v4,
+        // The ID3v1 and APE copies of the old values go: they cannot hold what was written. In
+        // v2.3 TagLib writes the date as TYER and TDAT.
+        return mp3.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripOthers, id3v2_version,
                         TagLib::File::DoNotDuplicate);
     }
     case audio_format::ogg:
@@ -346,7 +348,7 @@ bool save_tags(opened_file& f, const tag_record& tags) {
     case audio_format::wav: {
         auto& wav = static_cast<TagLib::RIFF::WAV::File&>(*f.file);
         write_id3v2(*wav.ID3v2Tag(), tags);
-        return wav.save(TagLib::RIFF::WAV::File::ID3v2, TagLib::File::StripOthers, TagLib::ID3v2::v4);
+        return wav.save(TagLib::RIFF::WAV::File::ID3v2, TagLib::File::StripOthers, id3v2_version);
     }
     case audio_format::mp4:
         write_mp4(*static_cast<TagLib::MP4::File&>(*f.file).tag(), tags);
@@ -379,9 +381,9 @@ track_info read_audio_file(const std::string& path) {
 }
 
 namespace {
-void stage_or_raise(opened_file& f, const std::string& path, const tag_record& tags) {
+void stage_or_raise(opened_file& f, const std::string& path, const tag_record& tags, const tag_write_options& options) {
     if (f.file->readOnly() || f.marked_read_only) throw tunehall_io::exception_io_denied("Access denied: " + path);
-    if (!save_tags(f, tags)) throw tunehall_io::exception_io("Cannot write tags: " + path);
+    if (!save_tags(f, tags, options)) throw tunehall_io::exception_io("Cannot write tags: " + path);
 }
 } // namespace
 
@@ -395,9 +397,9 @@ std::int64_t prepared_tag_write::new_size() { return file_->staged->length(); }
 content_layout prepared_tag_write::undo_layout() { return file_->staged->undo_layout(); }
 void prepared_tag_write::commit() { file_->staged->commit(); }
 
-prepared_tag_write prepare_tag_write(const std::string& path, const tag_record& tags) {
+prepared_tag_write prepare_tag_write(const std::string& path, const tag_record& tags, const tag_write_options& options) {
     auto f = std::make_unique<opened_file>(open_audio_file(path, /*for_writing=*/true));
-    stage_or_raise(*f, path, tags);
+    stage_or_raise(*f, path, tags, options);
     return prepared_tag_write(path, std::move(f));
 }
 
@@ -408,4 +410,6 @@ void restore_content(const std::string& path, const content_layout& layout) {
     stream.commit();
 }
 
-void write_tags(const std::string& path, const tag_record& tags) { prepare_tag_write(path, tags).commit(); }
+void write_tags(const std::string& path, const tag_record& tags, const tag_write_options& options) {
+    prepare_tag_write(path, tags, options).commit();
+}

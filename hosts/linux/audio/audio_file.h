@@ -26,6 +26,12 @@ inline constexpr const char* length_kind_field = "length_kind";
 // exception_io_data; both texts name the file.
 track_info read_audio_file(const std::string& path);
 
+// How tags are written. MP3 and WAV files get ID3v2.4, or ID3v2.3 for players that read only
+// that (the date then goes into TYER and TDAT); an ID3v1 tag is removed either way.
+struct tag_write_options {
+    int id3v2_version = 4;  // 3 or 4
+};
+
 struct opened_file;
 
 // A tag write worked out but not yet in the file: the file's new content is known, the file is
@@ -52,7 +58,8 @@ private:
 
 // Works out the write of `tags` as write_tags does, without changing the file. Failures as for
 // write_tags.
-prepared_tag_write prepare_tag_write(const std::string& path, const tag_record& tags);
+prepared_tag_write prepare_tag_write(const std::string& path, const tag_record& tags,
+                                     const tag_write_options& options = {});
 
 // Rebuilds the file at `path` from `layout` (pieces of the file as it is now and bytes), safely
 // as commit() writes.
@@ -62,4 +69,4 @@ void restore_content(const std::string& path, const linux_audio::content_layout&
 // file ("year" is never written). Pictures and other non-text data stay. A missing file
 // raises exception_io_not_found, a read-only one exception_io_denied, before anything is
 // changed; every text names the file.
-void write_tags(const std::string& path, const tag_record& tags);
+void write_tags(const std::string& path, const tag_record& tags, const tag_write_options& options = {});

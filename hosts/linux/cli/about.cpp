@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <map>
+#include <optional>
+#include <vector>
 
 #include <tunehall/component.h>
 #include <tunehall/config_store.h>
@@ -10,7 +12,9 @@
 #include <tunehall/shared.h>
 #include <tunehall/tagging_source.h>
 
+#include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/json_writer.h"
 #include "cli/session.h"
 
 namespace tessellon_cli {
@@ -33,24 +37,43 @@ std::string class_name(const GUID& g) {
 } // namespace
 
 int run_about(const global_options& globals, const arguments& args) {
-    if (!args.empty()) throw usage_error{"about takes no arguments"};
+    option_reader options(args, {"--json"}, {});
+    if (!options.positional().empty()) throw usage_error{"about takes no arguments"};
     session s(globals, session::component_source::file);
     hostkit::loaded_component& component = s.component();
     tunehall_client& client = component.client();
 
+    std::vector<std::string> services;
+    for (service_factory* f = client.get_service_list(); f; f = f->next()) services.push_back(class_name(f->class_guid()));
+    std::optional<bool> installed;
+    std::string events;
+    for (auto& check : all_services<installation_check>()) {
+        installed = check->is_installed_correctly();
+        if (!*installed) uCrashInfo_Events(&events);
+    }
+
+    if (options.flag("--json")) {
+        json_writer json;
+        json.begin_object().key("components").begin_array();
+        for (auto& v : all_services<component_version>())
+            json.begin_object().key("name").value(v->get_component_name()).key("version").value(v->get_component_version())
+                .key("about").value(v->get_about_message()).end_object();
+        json.end_array().key("module").value(component.path());
+        json.key("interface_version").value(static_cast<std::int64_t>(client.get_version()));
+        json.key("installed_correctly");
+        if (installed) json.value(*installed); else json.null();
+        json.key("services").strings(services).end_object();
+        std::printf("%s\n", json.text().c_str());
+        return exit_ok;
+    }
     for (auto& v : all_services<component_version>())
         std::printf("%s %s\n", v->get_component_name(), v->get_component_version());
     std::printf("module: %s\n", component.path().c_str());
     std::printf("interface version: %u\n", client.get_version());
-    for (auto& check : all_services<installation_check>()) {
-        bool ok = check->is_installed_correctly();
-        std::string events;
-        uCrashInfo_Events(&events);
-        std::printf("installation check: %s%s%s", ok ? "ok" : "failed", ok ? "" : " - ", ok ? "\n" : events.c_str());
-    }
+    if (installed && *installed) std::printf("installation check: ok\n");
+    if (installed && !*installed) std::printf("installation check: failed - %s", events.c_str());
     std::printf("services:\n");
-    for (service_factory* f = client.get_service_list(); f; f = f->next())
-        std::printf("  %s\n", class_name(f->class_guid()).c_str());
+    for (auto& name : services) std::printf("  %s\n", name.c_str());
     for (auto& v : all_services<component_version>()) std::printf("\n%s\n", v->get_about_message());
     return exit_ok;
 }

@@ -8,6 +8,8 @@
 #include "cddb/toc.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/input_checks.h"
+#include "cli/interrupt.h"
 #include "cli/record_output.h"
 #include "cli/session.h"
 #include "cli/track_input.h"
@@ -18,27 +20,30 @@ namespace tessellon_cli {
 
 namespace {
 
-// "http://HOST[:PORT]/PATH" as a server record.
+// "http://HOST[:PORT][/PATH]" as a server record.
 server_record server_from_url(const std::string& url) {
-    const std::string scheme = "http://";
-    if (url.compare(0, scheme.size(), scheme) != 0) throw usage_error{"--server: expected http://HOST[:PORT]/PATH, got " + url};
-    std::string rest = url.substr(scheme.size());
-    std::size_t slash = rest.find('/');
-    std::string authority = rest.substr(0, slash);
-    std::string path = slash == std::string::npos ? "/~cddb/cddb.cgi" : rest.substr(slash);
-    std::string host = authority, port = "80";
-    if (auto colon = authority.rfind(':'); colon != std::string::npos) {
-        host = authority.substr(0, colon);
-        port = authority.substr(colon + 1);
-    }
-    if (host.empty()) throw usage_error{"--server: no host name in " + url};
+    const server_url parts = parse_server_url("--server", url);
     server_record r;
-    r.set_server(host.c_str());
+    r.set_server(parts.host.c_str());
     r.set_protocol("http");
-    r.set_port(port.c_str());
-    r.set_address(path.c_str());
+    r.set_port(parts.port.empty() ? "80" : parts.port.c_str());
+    r.set_address(parts.address.empty() ? "/~cddb/cddb.cgi" : parts.address.c_str());
     r.set_description(url.c_str());
     return r;
+}
+
+// Runs one exchange with `server`; a failure is told with the server's place in front of the
+// component's own text. Ctrl-C aborts it.
+template <typename exchange_fn>
+void ask(const server_record& server, exchange_fn&& exchange) {
+    interrupt_scope ctrl_c;
+    try {
+        exchange(*open_protocol_handler(server), interrupt_scope::abort());
+    } catch (const tunehall_io::exception_aborted&) {
+        throw user_cancelled{"aborted while asking " + server_place(server)};
+    } catch (const std::exception& e) {
+        throw std::runtime_error(server_place(server) + ": " + e.what());
+    }
 }
 
 server_record chosen_server(const option_reader& options) {
@@ -53,14 +58,14 @@ void print(const std::string& text) { std::fputs(text.c_str(), stdout); }
 int query(session&, const option_reader& options) {
     track_list tracks = read_tracks(options);
     server_record server = chosen_server(options);
-    abort_source_dummy abort;
     struct match {
         disc_record record;
         bool exact;
     };
     std::vector<match> matches;
-    open_protocol_handler(server)->query(
-        tracks, [&](disc_record&& r, bool exact) { matches.push_back({std::move(r), exact}); }, abort);
+    ask(server, [&](protocol_handler& cddb, abort_source& abort) {
+        cddb.query(tracks, [&](disc_record&& r, bool exact) { matches.push_back({std::move(r), exact}); }, abort);
+    });
     if (options.flag("--json")) {
         json_writer json;
         json.begin_object().key("matches").begin_array();
@@ -79,7 +84,7 @@ int query(session&, const option_reader& options) {
                   m.record.get_field(disc_record::discid) + "  " + m.record.get_field(disc_record::dtitle) + "\n");
     }
     if (matches.empty()) {
-        std::fprintf(stderr, "tessellon: no match on %s\n", server.get_server());
+        std::fprintf(stderr, "tessellon: no match on %s\n", server_place(server).c_str());
         return exit_nothing;
     }
     return exit_ok;
@@ -88,11 +93,11 @@ int query(session&, const option_reader& options) {
 int read(session&, const option_reader& options) {
     if (options.positional().size() != 2) throw usage_error{"usage: tessellon cddb read CATEGORY DISCID [--server URL]"};
     server_record server = chosen_server(options);
-    abort_source_dummy abort;
     std::optional<disc_record> record;
-    open_protocol_handler(server)->read(options.positional()[0], options.positional()[1],
-                                        [&](disc_record&& r) { record = std::move(r); }, abort);
-    if (!record) throw tunehall_io::exception_io_data("No entry in the answer of " + std::string(server.get_server()));
+    ask(server, [&](protocol_handler& cddb, abort_source& abort) {
+        cddb.read(options.positional()[0], options.positional()[1], [&](disc_record&& r) { record = std::move(r); }, abort);
+    });
+    if (!record) throw tunehall_io::exception_io_data(server_place(server) + ": no entry in the answer");
     if (options.flag("--json")) {
         json_writer json;
         json.begin_object().key("record");
@@ -108,9 +113,10 @@ int read(session&, const option_reader& options) {
 int sites(session&, const option_reader& options) {
     if (!options.positional().empty()) throw usage_error{"usage: tessellon cddb sites [--server URL]"};
     server_record server = chosen_server(options);
-    abort_source_dummy abort;
     server_list found;
-    open_protocol_handler(server)->sites([&](server_record&& s) { found.push_back(std::move(s)); }, abort);
+    ask(server, [&](protocol_handler& cddb, abort_source& abort) {
+        cddb.sites([&](server_record&& s) { found.push_back(std::move(s)); }, abort);
+    });
     if (options.flag("--json")) {
         json_writer json;
         json.begin_object().key("sites").begin_array();
@@ -120,7 +126,11 @@ int sites(session&, const option_reader& options) {
     } else {
         for (auto& s : found) print(std::string(s.get_protocol()) + "  " + server_text(s) + "\n");
     }
-    return found.empty() ? exit_nothing : exit_ok;
+    if (found.empty()) {
+        std::fprintf(stderr, "tessellon: %s has no list of servers to give\n", server_place(server).c_str());
+        return exit_nothing;
+    }
+    return exit_ok;
 }
 
 } // namespace

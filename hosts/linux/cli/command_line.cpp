@@ -26,7 +26,10 @@ std::filesystem::path default_component_path() {
     std::error_code ec;
     std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
     std::filesystem::path dir = ec ? std::filesystem::current_path() : self.parent_path();
-    return dir / "sonatag2.so";
+    // Beside the program in the build folder; in an installed tree, in the component folder.
+    std::filesystem::path beside = dir / "sonatag2.so";
+    if (std::filesystem::exists(beside, ec)) return beside;
+    return (dir / TESSELLON_COMPONENT_DIR_FROM_BIN / "sonatag2.so").lexically_normal();
 }
 
 } // namespace tessellon_cli

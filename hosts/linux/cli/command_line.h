@@ -1,6 +1,7 @@
 #pragma once
 // The `tessellon` command line: global options, then a command and its arguments.
 
+#include <exception>
 #include <filesystem>
 #include <iosfwd>
 #include <string>
@@ -8,13 +9,24 @@
 
 namespace tessellon_cli {
 
-// Exit statuses: success; nothing found, cancelled or aborted; bad usage or a failure.
+// Exit statuses: success; nothing found, cancelled or aborted; bad usage or a failure. A command
+// returns one of them, or raises usage_error, user_cancelled or any other exception; main() maps
+// those to their status (exit_status_of), and nowhere else decides a status.
 enum exit_status : int { exit_ok = 0, exit_nothing = 1, exit_failure = 2 };
 
 // Bad usage: the text names what is wrong; the command ends with exit_failure.
 struct usage_error {
     std::string text;
 };
+
+// The user cancelled or aborted (Ctrl-C, end of input at a prompt): exit_nothing.
+struct user_cancelled {
+    std::string text;
+};
+
+// The status of a command that ended by raising `error`; `text` receives what to tell the user
+// (empty when nothing is to be said).
+exit_status exit_status_of(std::exception_ptr error, std::string& text);
 
 struct global_options {
     std::string profile;       // --profile DIR
@@ -29,7 +41,8 @@ struct invocation {
 // Splits the global options off the front of `argv`.
 invocation parse_globals(int argc, char** argv);
 
-// Where the component file is looked for when --component is not given.
+// Where the component file is looked for when --component is not given: beside the program,
+// else in the installed component folder.
 std::filesystem::path default_component_path();
 
 } // namespace tessellon_cli

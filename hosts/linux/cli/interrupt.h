@@ -1,18 +1,27 @@
 #pragma once
-// Ctrl-C aborts the running background task through its abort source, as the progress
-// window's Cancel would; a second Ctrl-C ends the program at once.
+// Ctrl-C. While an interrupt_scope is active, Ctrl-C aborts what the scope runs (its background
+// tasks through their abort source, as the progress window's Cancel would; main-thread work
+// through abort(); a prompt's read returns) and the command ends as aborted. Outside a scope it
+// ends the program at once with the aborted status. A second Ctrl-C always ends the program.
+
+#include <tunehall/abort.h>
 
 #include <hostkit/threaded_process_worker.h>
 
 namespace tessellon_cli {
 
+// Installs the handler; called once, before any command runs.
+void watch_interrupts();
+
 class interrupt_scope {
 public:
-    explicit interrupt_scope(hostkit::threaded_process_worker& tasks);
+    explicit interrupt_scope(hostkit::threaded_process_worker* tasks = nullptr);
     ~interrupt_scope();
     interrupt_scope(const interrupt_scope&) = delete;
     interrupt_scope& operator=(const interrupt_scope&) = delete;
-    // Whether Ctrl-C was pressed while the scope was active.
+    // Set by Ctrl-C: for work the command runs on its own thread.
+    static abort_source& abort();
+    // Whether Ctrl-C was pressed while a scope was active.
     static bool interrupted();
 };
 

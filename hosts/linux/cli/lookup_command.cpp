@@ -30,6 +30,13 @@ private:
     service_ref<lookup_state>& out_;
 };
 
+// Whether the list is just the built-in server, a placeholder that names no real server.
+bool only_placeholder_server(const server_list& servers) {
+    server_record placeholder;
+    default_server_record(placeholder);
+    return servers.size() == 1 && servers[0] == placeholder;
+}
+
 } // namespace
 
 std::string match_label(const disc_record& record) {
@@ -41,7 +48,7 @@ lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<look
     if (catch_result) s.host().services().add_instance(tagger_dialog_factory::class_guid, make_service<result_catcher>(result));
     std::size_t popups_before = s.host().popups().popups().size();
     {
-        interrupt_scope ctrl_c(s.host().tasks());
+        interrupt_scope ctrl_c(&s.host().tasks());
         bool ran = false;
         for (auto& c : all_services<menu_command>())
             for (std::size_t i = 0; i < c->command_count() && !ran; ++i)
@@ -54,7 +61,11 @@ lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<look
     // An aborted lookup shows nothing; one that found nothing says so; otherwise the result went
     // to the tagger dialog.
     if (interrupt_scope::interrupted()) return lookup_outcome::aborted;
-    if (s.host().popups().popups().size() > popups_before) return lookup_outcome::nothing_found;
+    if (s.host().popups().popups().size() > popups_before) {
+        if (only_placeholder_server(load_server_list()))
+            std::fputs("tessellon: no discora server is set up yet; add one with: tessellon servers add HOST PORT ADDRESS DESCRIPTION\n", stderr);
+        return lookup_outcome::nothing_found;
+    }
     return lookup_outcome::found;
 }
 

@@ -5,7 +5,11 @@
 #include <cstring>
 #include <exception>
 
+#include <tunehall/exceptions.h>
+
 #include "cli/commands.h"
+#include "cli/input_checks.h"
+#include "cli/interrupt.h"
 
 using namespace tessellon_cli;
 
@@ -25,6 +29,7 @@ int dispatch(const invocation& inv) {
         std::fputs(help_text, stdout);
         return exit_ok;
     }
+    check_musicbrainz_host_override();
     if (command == "about") return run_about(inv.globals, rest);
     if (command == "discid") return run_discid(inv.globals, rest);
     if (command == "cddb") return run_cddb(inv.globals, rest);
@@ -40,13 +45,39 @@ int dispatch(const invocation& inv) {
 
 } // namespace
 
-int main(int argc, char** argv) {
+namespace tessellon_cli {
+
+exit_status exit_status_of(std::exception_ptr error, std::string& text) {
     try {
-        return dispatch(parse_globals(argc, argv));
+        std::rethrow_exception(error);
     } catch (const usage_error& e) {
-        std::fprintf(stderr, "tessellon: %s\n", e.text.c_str());
+        text = e.text;
+        return exit_failure;
+    } catch (const user_cancelled& e) {
+        text = e.text;
+        return exit_nothing;
+    } catch (const tunehall_io::exception_aborted&) {
+        text.clear();
+        return exit_nothing;
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "tessellon: %s\n", e.what());
+        text = e.what();
+        return exit_failure;
     }
-    return exit_failure;
+}
+
+} // namespace tessellon_cli
+
+int main(int argc, char** argv) {
+    watch_interrupts();
+    std::string text;
+    exit_status status;
+    try {
+        const int done = dispatch(parse_globals(argc, argv));
+        // Ctrl-C in a command that went on to its end still means the user stopped it.
+        return interrupt_scope::interrupted() ? exit_nothing : done;
+    } catch (...) {
+        status = exit_status_of(std::current_exception(), text);
+    }
+    if (!text.empty()) std::fprintf(stderr, "tessellon: %s\n", text.c_str());
+    return status;
 }

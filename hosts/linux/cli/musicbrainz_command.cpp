@@ -153,7 +153,7 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
     s.tag_files().describe_run(command_text("musicbrainz", args), album_text(tracks));
 
     {
-        interrupt_scope ctrl_c(s.host().tasks());
+        interrupt_scope ctrl_c(&s.host().tasks());
         auto source = musicbrainz_source();
         auto idle = [&] { return s.host().tasks().running() == 0; };
         if (write_at_once) {
@@ -195,7 +195,9 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
         // No update ran: the component told the user through a popup (on stderr); "nothing
         // found" is not a failure of the program.
         auto popups = s.host().popups().popups();
-        const bool no_match = popups.size() > popups_before && popups.back().message.ends_with("No matching entry");
+        // A disc the service does not know is answered with 404 (not found).
+        const std::string said = popups.size() > popups_before ? popups.back().message : "";
+        const bool no_match = said.ends_with("No matching entry") || said.find("failed: 404") != std::string::npos;
         return no_match ? exit_nothing : exit_failure;
     }
     if (!shown) shown = release_written(result->plan);

@@ -6,6 +6,8 @@
 
 #include "cli/commands.h"
 #include "config/preferences_controls.h"
+#include "cli/record_output.h"
+#include "config/settings.h"
 #include "config/preferences_page.h"
 
 namespace tessellon_cli {
@@ -80,6 +82,17 @@ std::optional<std::string> preferences_actions::retrieve(std::size_t number) {
     auto popups = session_.host().popups().popups();
     if (popups.size() > before) return popups.back().message;
     return std::nullopt;
+}
+
+void preferences_actions::reset_servers() {
+    const std::string email = page_->get_text(email_edit);
+    instance_->reset();
+    page_->type_text(email_edit, email);
+}
+
+std::string preferences_actions::server_place(std::size_t number) const {
+    const auto servers = load_server_list();
+    return number >= 1 && number <= servers.size() ? tessellon_cli::server_place(servers[number - 1]) : "server " + std::to_string(number);
 }
 
 void preferences_actions::set_email(const std::string& address) { page_->type_text(email_edit, address); }

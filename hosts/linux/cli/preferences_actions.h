@@ -35,9 +35,11 @@ public:
     std::optional<std::string> retrieve(std::size_t number);
     // Types into the e-mail field.
     void set_email(const std::string& address);
-    // The host's Reset and Apply.
-    void reset() { instance_->reset(); }
+    // The page's Reset for the server list only: the e-mail typed before stays.
+    void reset_servers();
     void apply() { instance_->apply(); }
+    // "host:port" of row `number`.
+    std::string server_place(std::size_t number) const;
 
 private:
     void select(std::size_t number);

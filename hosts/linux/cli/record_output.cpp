@@ -61,6 +61,8 @@ void write_server_json(json_writer& json, const server_record& s) {
     json.end_object();
 }
 
+std::string server_place(const server_record& s) { return std::string(s.get_server()) + ":" + s.get_port(); }
+
 std::string server_text(const server_record& s) {
     return std::string(s.get_server()) + ":" + s.get_port() + "  " + s.get_address() + "  " + s.get_description();
 }

@@ -16,6 +16,8 @@ void write_record_json(json_writer& json, const disc_record& record);
 std::string record_text(const disc_record& record);
 
 void write_server_json(json_writer& json, const server_record& server);
+// "server:port": where a server is, as messages about it name it.
+std::string server_place(const server_record& server);
 // "server:port  address  description".
 std::string server_text(const server_record& server);
 

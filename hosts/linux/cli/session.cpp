@@ -7,12 +7,17 @@
 
 namespace tessellon_cli {
 
+int id3v2_version_of(hostkit::config_store_file& config) { return config.get_int(id3v2_version_key, 4) == 3 ? 3 : 4; }
+
 session::session(const global_options& globals, component_source source, settings_use settings) {
     hostkit::host_options options;
     options.profile = hostkit::default_profile(globals.profile);
     options.progress = &progress_;
     options.leave_profile_alone = settings == settings_use::this_run;
+    // Console lines and messages go above the progress bar, not into its line.
+    options.echo_line = [this](const std::string& line) { progress_.print_line(line); };
     host_ = std::make_unique<hostkit::host>(options);
+    tag_files_.set_options({id3v2_version_of(host_->config())});
     host_->services().add_instance(filesystem::class_guid, service_ptr(make_http_filesystem().get()));
     tag_files_.set_journal(std::make_unique<linux_host::undo_journal>(options.profile / "journal"));
     engine_ = make_service<hostkit::tag_update_engine>(tag_files_);

@@ -12,6 +12,11 @@
 
 namespace tessellon_cli {
 
+// The ID3v2 version MP3 and WAV files are written with (3 or 4; 4 when not set), kept in the
+// profile's configuration store under this key.
+inline constexpr const char* id3v2_version_key = "tessellon.id3v2_version";
+int id3v2_version_of(hostkit::config_store_file& config);
+
 class session {
 public:
     // How the component comes in: its code linked into tessellon, attached through its entry

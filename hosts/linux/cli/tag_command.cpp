@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <unistd.h>
 
 #include <tunehall/core.h>
@@ -13,6 +14,7 @@
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/dialog_input.h"
+#include "cli/input_checks.h"
 #include "cli/interrupt.h"
 #include "cli/json_writer.h"
 #include "cli/lookup_result.h"
@@ -48,10 +50,14 @@ std::size_t ask_for_match(headless_view& v, const std::vector<std::size_t>& rows
         std::fprintf(stderr, "%3zu  %s%s%s\n", i + 1, v.list_get_cell(matches_list, rows[i], 0).c_str(),
                      header.empty() ? "" : "   [", header.empty() ? "" : (header + "]").c_str());
     }
+    interrupt_scope ctrl_c;
     for (;;) {
         std::fprintf(stderr, "Match to write [1-%zu, Enter for 1]: ", rows.size());
         std::string line;
-        if (!std::getline(std::cin, line)) throw usage_error{"no match chosen"};
+        if (!std::getline(std::cin, line)) {
+            std::fputc('\n', stderr);
+            throw user_cancelled{"no match chosen; nothing written"};
+        }
         if (line.empty()) return 1;
         char* end = nullptr;
         unsigned long n = std::strtoul(line.c_str(), &end, 10);
@@ -70,6 +76,9 @@ int run_tag(const global_options& globals, const arguments& args) {
                           {"--lengths", "--match", "--artist", "--album", "--year", "--genre", "--title", "--comment"});
     if (options.flag("--wipe") && options.flag("--keep")) throw usage_error{"--wipe and --keep exclude each other"};
     if (options.flag("--various") && options.flag("--not-various")) throw usage_error{"--various and --not-various exclude each other"};
+    // Checked before the lookup: its range is known only after it.
+    std::optional<std::size_t> match;
+    if (auto m = options.value("--match")) match = parse_number("--match", *m);
     session s(globals);
     hostkit::window_list& windows = s.host().windows();
 
@@ -93,12 +102,9 @@ int run_tag(const global_options& globals, const arguments& args) {
     } closer{windows, dialog};
 
     std::vector<std::size_t> rows = match_rows(*view);
-    if (auto m = options.value("--match")) {
-        char* end = nullptr;
-        unsigned long n = std::strtoul(m->c_str(), &end, 10);
-        if (*end != '\0' || n == 0 || n > rows.size())
-            throw usage_error{"--match " + *m + ": there are " + std::to_string(rows.size()) + " matches"};
-        view->select_row(matches_list, rows[n - 1]);
+    if (match) {
+        if (*match > rows.size()) throw usage_error{"--match " + std::to_string(*match) + ": there are " + std::to_string(rows.size()) + " matches"};
+        view->select_row(matches_list, rows[*match - 1]);
     } else if (isatty(STDIN_FILENO) && rows.size() > 1) {
         view->select_row(matches_list, rows[ask_for_match(*view, rows) - 1]);
     }
@@ -127,7 +133,7 @@ int run_tag(const global_options& globals, const arguments& args) {
     s.tag_files().describe_run(command_text("tag", args), album_text(tracks));
     std::size_t console_before = s.host().console().lines().size();
     {
-        interrupt_scope ctrl_c(s.host().tasks());
+        interrupt_scope ctrl_c(&s.host().tasks());
         view->click(update_button);
         // The update runs in the background; the dialog closes when it succeeded and is enabled
         // again when it did not.

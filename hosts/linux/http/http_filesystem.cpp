@@ -79,7 +79,7 @@ public:
         if (mode != open_mode::read) throw tunehall_io::exception_io_denied("Cannot write to " + url);
         for (long hops = 0;; ++hops) {
             const http_request_policy policy = policy_for_url(url);
-            std::unique_ptr<curl_transfer> transfer = answer_to(url, policy, abort);
+            std::unique_ptr<curl_transfer> transfer = answer_to(policy.url, policy, abort);
             std::string next = transfer->redirect_target();
             if (next.empty()) {
                 if (transfer->status() >= 400) raise_http_status(*transfer);

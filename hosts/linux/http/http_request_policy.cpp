@@ -38,6 +38,7 @@ std::string musicbrainz_host() {
 }
 
 struct host_and_port {
+    std::string scheme;  // lower case
     std::string host;  // lower case
     std::string port;  // empty when not named (and not asked to fill in the scheme's)
 };
@@ -49,8 +50,12 @@ std::optional<host_and_port> host_of(const std::string& url, bool with_default_p
     if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK) return std::nullopt;
     char* part = nullptr;
     if (curl_url_get(parsed.get(), CURLUPART_HOST, &part, 0) != CURLUE_OK) return std::nullopt;
-    host_and_port out{part, {}};
+    host_and_port out{{}, part, {}};
     curl_free(part);
+    if (curl_url_get(parsed.get(), CURLUPART_SCHEME, &part, 0) == CURLUE_OK) {
+        out.scheme = part;
+        curl_free(part);
+    }
     std::transform(out.host.begin(), out.host.end(), out.host.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     if (curl_url_get(parsed.get(), CURLUPART_PORT, &part, with_default_port ? CURLU_DEFAULT_PORT : 0) == CURLUE_OK) {
@@ -66,10 +71,28 @@ bool is_service(const host_and_port& target, const std::string& service) {
     return wanted && wanted->host == target.host && (wanted->port.empty() || wanted->port == target.port);
 }
 
+// The public service's own host, which answers plain http with a redirect to https.
+constexpr std::string_view public_service_host = "musicbrainz.org";
+
+// `url` over https on https's own port.
+std::string as_https(const std::string& url) {
+    std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), &curl_url_cleanup);
+    char* out = nullptr;
+    if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK ||
+        curl_url_set(parsed.get(), CURLUPART_SCHEME, "https", 0) != CURLUE_OK ||
+        curl_url_set(parsed.get(), CURLUPART_PORT, nullptr, 0) != CURLUE_OK ||
+        curl_url_get(parsed.get(), CURLUPART_URL, &out, 0) != CURLUE_OK)
+        return url;
+    std::string secure = out;
+    curl_free(out);
+    return secure;
+}
+
 } // namespace
 
 http_request_policy policy_for_url(const std::string& url) {
     http_request_policy policy;
+    policy.url = url;
     policy.no_proxy = no_proxy_list();
     const std::optional<host_and_port> target = host_of(url, true);
     if (target && is_service(*target, musicbrainz_host())) {
@@ -80,6 +103,8 @@ http_request_policy policy_for_url(const std::string& url) {
         policy.rate_key = target->host;
         policy.follow_redirects = false;
         policy.retries_on_503 = 3;
+        if (target->host == public_service_host && target->port == "80" && target->scheme == "http")
+            policy.url = as_https(url);
     }
     return policy;
 }

@@ -7,6 +7,9 @@
 #include <string>
 
 struct http_request_policy {
+    // Where the request goes: the URL asked for, or its https form for a service that answers
+    // plain http only with a redirect there.
+    std::string url;
     std::string user_agent = "Tessellon/0.9";
     long connect_timeout_seconds = 10;
     // A transfer that moves less than `low_speed_bytes` per second for this long is dead.
@@ -35,7 +38,8 @@ struct http_request_policy {
 
 // The policy for a request to `url`. The MusicBrainz web service (the host in
 // TESSELLON_MUSICBRAINZ_HOST, else musicbrainz.org) gets its own rules: a User-Agent naming
-// the program and a contact, one request a second, and retries of busy answers.
+// the program and a contact, one request a second, and retries of busy answers; the public
+// service itself is asked over https from the first request.
 http_request_policy policy_for_url(const std::string& url);
 
 // How long to wait before retry number `retry` (0 for the first) of a busy answer, given the

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <regex>
 #include <sstream>
 
 #include "support/audio_files.h"
@@ -273,4 +274,26 @@ TEST_F(tag_cli, a_match_number_beyond_the_matches_is_bad_usage) {
     auto r = run({"tag", folder.string(), "--match", "5"});
     EXPECT_EQ(r.exit_code, 2);
     EXPECT_NE(r.err.find("--match 5: there are 1 matches"), std::string::npos) << r.err;
+}
+
+// With `config id3 2.3` an MP3 gets an ID3v2.3 tag (the date as TYER) that
+// id3lib's id3v2 and mutagen read; the ID3v1 tag the file had is gone.
+TEST_F(tag_cli, id3_2_3_is_written_when_asked_and_read_by_other_readers) {
+    ASSERT_EQ(run({"config", "id3", "2.3"}).exit_code, 0);
+    auto folder = album(audio_format::mp3);
+    auto first = folder / "Track 01.mp3";
+    run_audio_tool({"id3v2", "-1", "--song", "Old title", first.string()});
+    auto r = run({"tag", folder.string(), "--match", "1", "--wipe"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    const std::string listed = run_audio_tool({"id3v2", "-l", first.string()});
+    EXPECT_NE(listed.find("id3v2 tag info"), std::string::npos) << listed;
+    EXPECT_NE(listed.find("TIT2 (Title/songname/content description): I'm Your Puppet"), std::string::npos) << listed;
+    EXPECT_NE(listed.find("TYER (Year): 2009"), std::string::npos) << listed;
+    EXPECT_EQ(listed.find("id3v1"), std::string::npos) << listed;
+    EXPECT_EQ(read_file(first).substr(0, 4), std::string("ID3\x03", 4)) << "the tag header says version 2.3";
+    // mutagen's frames as stored (it would show TDRC for TYER once it converted them).
+    const std::string raw = run_audio_tool({"mid3v2", "--list-raw", first.string()});
+    EXPECT_TRUE(std::regex_search(raw, std::regex(R"(TYER\(encoding=[^,]*, text=\['2009'\]\))"))) << raw;
+    EXPECT_TRUE(std::regex_search(raw, std::regex(R"(TRCK\(encoding=[^,]*, text=\['1/3'\]\))"))) << raw;
+    EXPECT_EQ(raw.find("TDRC"), std::string::npos) << raw;
 }

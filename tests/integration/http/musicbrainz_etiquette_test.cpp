@@ -116,14 +116,17 @@ bool gets_service_rules(const http_request_policy& policy) {
 
 } // namespace
 
-TEST(musicbrainz_etiquette, only_the_service_host_itself_gets_the_services_rules) {
+TEST(musicbrainz_etiquette, only_the_service_host_itself_gets_the_services_rules_and_the_public_one_https) {
     struct host_case {
         const char* service;  // TESSELLON_MUSICBRAINZ_HOST, or null
         const char* url;
         bool service_rules;
+        const char* sent_to = nullptr;  // null: the URL itself
     };
     const host_case cases[] = {
-        {nullptr, "http://musicbrainz.org/ws/2/discid/x?inc=recordings+artist-credits", true},
+        {nullptr, "http://musicbrainz.org/ws/2/discid/x?inc=recordings+artist-credits", true,
+         "https://musicbrainz.org/ws/2/discid/x?inc=recordings+artist-credits"},
+        {nullptr, "http://musicbrainz.org:80/ws/2/discid/x", true, "https://musicbrainz.org/ws/2/discid/x"},
         {nullptr, "https://MusicBrainz.ORG/ws/2/discid/x", true},
         {nullptr, "http://musicbrainz.org:8080/ws/2/discid/x", true},
         {nullptr, "http://musicbrainz.org.example.invalid/ws/2/discid/x", false},
@@ -136,12 +139,14 @@ TEST(musicbrainz_etiquette, only_the_service_host_itself_gets_the_services_rules
         {"127.0.0.1:8123", "http://127.0.0.1/ws/2/discid/x", false},
         {"127.0.0.1:8123", "http://localhost:8123/ws/2/discid/x", false},
         {"127.0.0.1:8123", "http://musicbrainz.org/ws/2/discid/x", false},
-        {"", "http://musicbrainz.org/ws/2/discid/x", true},
+        {"", "http://musicbrainz.org/ws/2/discid/x", true, "https://musicbrainz.org/ws/2/discid/x"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.service ? c.service : "(unset)") + " " + c.url);
         mb_testing::scoped_environment service_host("TESSELLON_MUSICBRAINZ_HOST", c.service);
-        EXPECT_EQ(gets_service_rules(policy_for_url(c.url)), c.service_rules);
+        const http_request_policy policy = policy_for_url(c.url);
+        EXPECT_EQ(gets_service_rules(policy), c.service_rules);
+        EXPECT_EQ(policy.url, c.sent_to ? c.sent_to : c.url);
     }
 }
 
