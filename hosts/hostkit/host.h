@@ -13,6 +13,7 @@
 #include "console_log.h"
 #include "main_queue.h"
 #include "popups.h"
+#include "profile_lock.h"
 #include "registry.h"
 #include "threaded_process_worker.h"
 #include "window_list.h"
@@ -25,6 +26,9 @@ struct host_options {
     bool popups_to_stderr = true;
     progress_display* progress = nullptr;   // null: tasks run without a display
     bool window_list = true;                 // register windows() as the modeless-window service
+    // Hold the profile's lock for the host's whole life, from before the settings are read:
+    // for a run that changes settings, so that concurrent runs do not lose each other's changes.
+    bool lock_profile = false;
 };
 
 class host {
@@ -54,6 +58,7 @@ public:
 
 private:
     std::filesystem::path profile_;
+    std::unique_ptr<profile_lock> lock_;
     main_queue queue_;
     registry registry_;
     service_ref<config_store_file> config_;

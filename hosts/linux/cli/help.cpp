@@ -3,7 +3,7 @@
 namespace tessellon_cli {
 
 const char* const help_text =
-    "Usage: tessellon [--profile DIR] [--component FILE] COMMAND [ARGUMENTS]\n"
+    "Usage: tessellon [--profile DIR] [--timeout S] [--component FILE] COMMAND [ARGUMENTS]\n"
     "\n"
     "Tags the files of one album from CDDB (discora) servers and MusicBrainz.\n"
     "\n"
@@ -17,7 +17,8 @@ const char* const help_text =
     "                 --server http://HOST[:PORT]/PATH)\n"
     "  lookup FILES|DIR | --lengths L1,L2,...\n"
     "                 ask every configured server; matches grouped by server\n"
-    "                 (exit 1 when nothing is found; Ctrl-C aborts)\n"
+    "                 (exit 1 when nothing is found, 2 when every server failed;\n"
+    "                 each failed server is named; Ctrl-C aborts)\n"
     "  servers [list]                               the configured servers\n"
     "  servers add HOST [PORT [ADDRESS [DESCRIPTION]]]\n"
     "                 or --server H --port P --address A --description D;\n"
@@ -28,6 +29,8 @@ const char* const help_text =
     "                 server N lists (the changes go through the preferences page)\n"
     "  config email [ADDRESS]                       show or set the e-mail sent\n"
     "                                               in the CDDB hello\n"
+    "  config timeout [SECONDS]                     show or set the default of\n"
+    "                                               --timeout for this profile\n"
     "  tag FILES|DIR [--match N] [--artist A] [--album B] [--year Y] [--genre G]\n"
     "      [--various|--not-various] [--title N=TEXT]... [--comment N=TEXT]...\n"
     "      [--wipe|--keep] [--dry-run]\n"
@@ -48,6 +51,10 @@ const char* const help_text =
     "Options:\n"
     "  --profile DIR     settings folder (default: $TESSELLON_PROFILE, else\n"
     "                    $XDG_CONFIG_HOME/tessellon, else ~/.config/tessellon)\n"
+    "  --timeout S       the longest one HTTP request may take, in seconds (default:\n"
+    "                    config timeout, else 30); a server that sends nothing for\n"
+    "                    15 s, an answer over 8 MiB or (CDDB) over 10000 lines\n"
+    "                    also ends the request\n"
     "  --component FILE  the component to load (default: sonatag2.so beside tessellon)\n"
     "  --version         print the version\n"
     "  --help            print this text\n"

@@ -1,6 +1,7 @@
 // `tessellon config email` and `tessellon servers`: the settings the lookups use.
 
 #include <cstdio>
+#include <chrono>
 #include <cstdlib>
 
 #include "cli/arguments.h"
@@ -9,6 +10,7 @@
 #include "cli/record_output.h"
 #include "cli/session.h"
 #include "config/settings.h"
+#include "http/http_request_policy.h"
 
 namespace tessellon_cli {
 
@@ -69,7 +71,7 @@ int run_servers(const global_options& globals, const arguments& args) {
     std::string sub = args.empty() ? "list" : args[0];
     arguments rest(args.empty() ? args.begin() : args.begin() + 1, args.end());
     option_reader options(rest, {"--json"}, {"--server", "--port", "--address", "--description"});
-    session s(globals);
+    session s(globals, session::component_source::linked, /*write_tags=*/true, /*changes_settings=*/true);
     if (sub == "list") return list_servers(options);
 
     // Every change goes through the preferences page, as a user makes it, and is applied.
@@ -94,10 +96,21 @@ int run_servers(const global_options& globals, const arguments& args) {
     return list_servers(options);
 }
 
+// `config timeout [SECONDS]`: the profile's default for --timeout.
+int config_timeout(const global_options& globals, const arguments& args) {
+    session s(globals, session::component_source::linked, /*write_tags=*/true, /*changes_settings=*/true);
+    if (args.size() == 2) s.host().config().set_int(timeout_setting_key, parse_timeout(args[1], "config timeout"));
+    const std::int64_t stored = s.host().config().get_int(timeout_setting_key, 0);
+    const auto seconds = stored > 0 ? stored : std::chrono::duration_cast<std::chrono::seconds>(http_request_policy{}.deadline).count();
+    std::printf("%lld\n", static_cast<long long>(seconds));
+    return exit_ok;
+}
+
 int run_config(const global_options& globals, const arguments& args) {
+    if (args.size() <= 2 && !args.empty() && args[0] == "timeout") return config_timeout(globals, args);
     if (args.empty() || args[0] != "email" || args.size() > 2)
-        throw usage_error{"usage: tessellon config email [ADDRESS]"};
-    session s(globals);
+        throw usage_error{"usage: tessellon config email [ADDRESS] | config timeout [SECONDS]"};
+    session s(globals, session::component_source::linked, /*write_tags=*/true, /*changes_settings=*/true);
     if (args.size() == 2) {
         preferences_actions page(s);
         page.set_email(args[1]);
