@@ -1,9 +1,14 @@
 #include "config_store_file.h"
 
 #include <cstring>
+#include <ctime>
+#include <optional>
 #include <string_view>
 
+#include <tunehall/exceptions.h>
+
 #include "file_util.h"
+#include "profile_lock.h"
 
 namespace hostkit {
 
@@ -52,6 +57,29 @@ private:
     std::string_view d_;
     std::size_t pos_ = 0;
 };
+
+std::string utc_timestamp() {
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+#ifdef _WIN32
+    gmtime_s(&utc, &now);
+#else
+    gmtime_r(&now, &utc);
+#endif
+    char text[32];
+    std::strftime(text, sizeof text, "%Y%m%dT%H%M%SZ", &utc);
+    return text;
+}
+
+// `base` + `suffix`, with "-2", "-3", ... added while that name is taken.
+std::filesystem::path unused_name(const std::filesystem::path& base, const std::string& suffix) {
+    for (int n = 1;; ++n) {
+        std::filesystem::path candidate = base;
+        candidate += suffix + (n == 1 ? "" : "-" + std::to_string(n));
+        std::error_code ec;
+        if (!std::filesystem::exists(candidate, ec)) return candidate;
+    }
+}
 
 class block : public memory_block {
 public:
@@ -110,21 +138,27 @@ bool config_store_file::decode(const std::string& data, map& out) {
     return r.bytes(sizeof end_mark, tail) && tail == std::string_view(end_mark, sizeof end_mark) && r.at_end();
 }
 
-config_store_file::config_store_file(std::filesystem::path file) : file_(std::move(file)) {
+bool config_store_file::load() {
     std::FILE* f = open_file(file_, "rb");
-    if (!f) return;
+    if (!f) return true;
     std::string data;
     char chunk[65536];
     for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) data.append(chunk, n);
     std::fclose(f);
-    if (!decode(data, values_)) {
-        corrupt_ = true;
-        values_.clear();
-        std::filesystem::path aside = file_;
-        aside += ".corrupt";
-        std::error_code ec;
-        std::filesystem::rename(file_, aside, ec);
-    }
+    return decode(data, values_);
+}
+
+config_store_file::config_store_file(std::filesystem::path file, bool profile_locked) : file_(std::move(file)) {
+    if (load()) return;
+    std::optional<profile_lock> lock;
+    if (!profile_locked) lock.emplace(file_.parent_path());
+    if (load()) return;
+    values_.clear();
+    damaged_copy_ = unused_name(file_, ".damaged-" + utc_timestamp());
+    std::error_code ec;
+    std::filesystem::rename(file_, damaged_copy_, ec);
+    if (ec) throw tunehall_io::exception_io("The settings file " + path_utf8(file_) + " is damaged and cannot be set aside as " +
+                                            path_utf8(damaged_copy_) + ": " + ec.message());
 }
 
 void config_store_file::set(const char* key, value v) {

@@ -14,9 +14,12 @@ namespace hostkit {
 
 class config_store_file : public host_config_store {
 public:
-    // Loads `file` when it exists. A file that cannot be read is set aside as "<file>.corrupt"
-    // (nothing is thrown away) and the store starts empty.
-    explicit config_store_file(std::filesystem::path file);
+    // Loads `file` when it exists. A damaged file is renamed to a copy of its own (see
+    // damaged_copy) and the store starts empty, so the built-in defaults hold until something
+    // is set. The renaming happens under the profile's lock (taken here unless the caller
+    // `profile_locked` already holds it), so that a file another command has just replaced
+    // is never taken for the damaged one.
+    explicit config_store_file(std::filesystem::path file, bool profile_locked = false);
 
     std::int64_t get_int(const char* key, std::int64_t fallback) override;
     void set_int(const char* key, std::int64_t value) override;
@@ -27,8 +30,9 @@ public:
 
     // How many times the file was written (diagnostics and tests).
     std::size_t save_count() const { return saves_.load(); }
-    // Whether loading found a damaged file.
-    bool found_corrupt_file() const { return corrupt_; }
+    // Where loading put a damaged file: "<file>.damaged-<UTC time>[-N]", never an existing
+    // name, so that every damaged file is kept. Empty when the file was sound or absent.
+    const std::filesystem::path& damaged_copy() const { return damaged_copy_; }
 
     // The file's form, exposed for tests of damaged files.
     struct value {
@@ -44,12 +48,14 @@ public:
 
 private:
     void set(const char* key, value v);
+    // False when the file exists and does not decode.
+    bool load();
 
     std::filesystem::path file_;
     std::mutex lock_;
     map values_;
     std::atomic<std::size_t> saves_{0};
-    bool corrupt_ = false;
+    std::filesystem::path damaged_copy_;
 };
 
 } // namespace hostkit

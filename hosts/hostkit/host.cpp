@@ -25,7 +25,8 @@ host::host(const host_options& options) : profile_(options.profile), registry_(q
     registry_.set_profile_path(path_utf8(profile_));
     tunehall::set_core(&registry_);
 
-    config_ = make_service<config_store_file>(profile_ / config_file_name);
+    if (options.lock_profile) lock_ = std::make_unique<profile_lock>(profile_);
+    config_ = make_service<config_store_file>(profile_ / config_file_name, options.lock_profile);
     console_ = make_service<console_log>(options.leave_profile_alone ? std::filesystem::path() : profile_ / log_file_name,
                                          options.console_to_stderr, options.echo_line);
     popups_ = make_service<popup_recorder>(options.popups_to_stderr, options.echo_line);

@@ -14,6 +14,7 @@
 #include "console_log.h"
 #include "main_queue.h"
 #include "popups.h"
+#include "profile_lock.h"
 #include "registry.h"
 #include "run_only_config.h"
 #include "threaded_process_worker.h"
@@ -33,6 +34,9 @@ struct host_options {
     // read, never written), and the console is not logged to the profile either: a run like
     // this leaves the profile folder as it found it.
     bool leave_profile_alone = false;
+    // Hold the profile's lock for the host's whole life, from before the settings are read:
+    // for a run that changes settings, so that concurrent runs do not lose each other's changes.
+    bool lock_profile = false;
 };
 
 class host {
@@ -63,6 +67,7 @@ public:
 
 private:
     std::filesystem::path profile_;
+    std::unique_ptr<profile_lock> lock_;
     main_queue queue_;
     registry registry_;
     service_ref<config_store_file> config_;

@@ -20,6 +20,7 @@ Standard library only.
 
 import argparse
 import os
+import random
 import re
 import socket
 import sys
@@ -40,7 +41,10 @@ faults (comma-separated; "none" clears):
   long-line[:N]   put a line of N bytes (default 16385) after the status line
   bad-utf8        put a line that is not valid UTF-8 after the status line
   no-terminator   leave out the "." that ends a body
-  empty-body      answer HTTP 200 with no bytes at all"""
+  empty-body      answer HTTP 200 with no bytes at all
+  many:N          a complete, valid answer whose list or entry has N lines
+  garbage         answer 4 KiB of bytes that are no CDDB answer at all
+""" + test_server_base.STREAM_FAULTS
 
 STATUS_TEXTS = {
     402: b"Server error.",
@@ -237,8 +241,12 @@ def parse_faults(text):
             if seconds < 0:
                 raise ValueError("slow needs seconds")
             faults.append((name, seconds))
-        elif name in ("cut", "bad-utf8", "no-terminator", "empty-body") and not arg:
+        elif name in ("cut", "bad-utf8", "no-terminator", "empty-body", "garbage") and not arg:
             faults.append((name, None))
+        elif name == "many" and arg.isdigit():
+            faults.append((name, int(arg)))
+        elif test_server_base.parse_stream_fault(name, arg):
+            faults.append(test_server_base.parse_stream_fault(name, arg))
         else:
             raise ValueError("unknown fault: " + item)
     return faults
@@ -258,6 +266,16 @@ def apply_line_faults(lines, faults, command):
         # a latin-1 "e acute" followed by a space, and two bytes that never occur in UTF-8
         lines = lines[:1] + [b"Caf\xe9 \xff\xfe"] + lines[1:]
     return lines
+
+
+def listing(lines):
+    """The answer as a status line and the lines of its list or entry, whatever its kind: an
+    answer of one line becomes a one-line list of inexact matches, so that it can be repeated."""
+    if len(lines) > 1:
+        return lines[0], [l for l in lines[1:] if l != b"."]
+    head = lines[0]
+    match = head[4:] if head.startswith(b"200 ") else b"misc 00000000 Listed / Again and again"
+    return b"211 Found inexact matches, list follows (until terminating `.')", [match]
 
 
 def cut_position(chunks):
@@ -302,6 +320,14 @@ class request_handler(test_server_base.quiet_request_handler):
             return self.send_text(code, [str(code).encode() + b" forced by the test server"])
         params = parse_cgi_query(query)
         lines = cddb_answer(params, self.server.db, self.server.sites, options.tolerance)
+        head, body = listing(lines)
+        if test_server_base.send_stream(self, CONTENT_TYPE, head + b"\r\n", b"".join(l + b"\r\n" for l in body), faults):
+            return
+        if "many" in faults:
+            lines = [head] + [body[i % len(body)] for i in range(faults["many"])] + [b"."]
+        if "garbage" in faults:
+            noise = random.Random(16).randbytes(4096)
+            return self.send_text(200, [noise])
         command = b" ".join(params.get("cmd", b"").split()).lower().decode("latin-1")
         self.send_lines(apply_line_faults(lines, faults, command), faults)
 

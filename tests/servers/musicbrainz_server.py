@@ -26,6 +26,7 @@ Standard library only.
 
 import argparse
 import os
+import random
 import re
 import sys
 import time
@@ -44,7 +45,9 @@ faults (comma-separated; "none" clears):
   redirect-loop   answer every lookup with 301 to itself
   not-found       answer every lookup with 404 and the not-found body, even known ids
   truncate        answer with only the first half of the XML (a complete HTTP answer)
-  slow:SECONDS    wait before sending the body (headers go out at once)"""
+  slow:SECONDS    wait before sending the body (headers go out at once)
+  garbage         answer 200 with 4 KiB of bytes that are no XML at all
+""" + test_server_base.STREAM_FAULTS
 
 # The service's bodies for an unknown disc id and for a text that is no disc id.
 NOT_FOUND_BODY = (b'<?xml version="1.0" encoding="UTF-8"?><error><text>Not Found</text>'
@@ -89,8 +92,10 @@ def parse_faults(text):
             if seconds < 0:
                 raise ValueError("slow needs seconds")
             faults[name] = seconds
-        elif name in ("not-found", "truncate", "redirect", "redirect-loop") and not arg:
+        elif name in ("not-found", "truncate", "redirect", "redirect-loop", "garbage") and not arg:
             faults[name] = None
+        elif test_server_base.parse_stream_fault(name, arg):
+            faults[name] = test_server_base.parse_stream_fault(name, arg)[1]
         else:
             raise ValueError("unknown fault: " + item)
     return faults
@@ -193,6 +198,14 @@ class request_handler(test_server_base.quiet_request_handler):
             if toc:
                 return self.send_body(200, toc_search_answer(self.server.options.answers, toc), faults)
             return self.send_body(404, NOT_FOUND_BODY, faults)
+        # A release document that never closes: its tracks repeat without end.
+        first = re.search(rb"<track[ >]", body)
+        start = first.start() if first else len(body)
+        unit = body[start:body.find(b"</track>", start) + 8] if first else b" "
+        if test_server_base.send_stream(self, CONTENT_TYPE, body[:start] + b"\n", unit + b"\n", faults):
+            return
+        if "garbage" in faults:
+            body = random.Random(16).randbytes(4096)
         self.send_body(200, body, faults)
 
     def control(self, query):

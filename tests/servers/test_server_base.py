@@ -106,6 +106,65 @@ class quiet_request_handler(http.server.BaseHTTPRequestHandler):
             pass  # the client went away (an aborted test); nothing to tell it
 
 
+# Faults of answers that never end or end far too late, shared by the servers; each server
+# chooses the head and the repeated unit that make a valid answer of its kind.
+STREAM_FAULTS = """\
+  trickle         send a valid answer that never ends, 2 bytes a second
+  stall           send the headers and the answer's first line, then nothing
+  endless         send a valid answer that never ends, as fast as the client reads
+  huge:MB         declare an answer of MB megabytes and send it, valid, in full"""
+
+
+def parse_stream_fault(name, arg):
+    """(name, argument) of a stream fault, None when `name` is not one; raises ValueError."""
+    if name in ("trickle", "stall", "endless") and not arg:
+        return name, None
+    if name == "huge":
+        if not arg.isdigit() or int(arg) == 0:
+            raise ValueError("huge needs a whole number of megabytes")
+        return name, int(arg)
+    return None
+
+
+def send_stream(handler, content_type, head, unit, faults):
+    """Answers with `head` and then `unit` again and again, as the stream fault in `faults`
+    says; returns False (sending nothing) when none is in force."""
+    fault = next((f for f in ("trickle", "stall", "endless", "huge") if f in faults), None)
+    if fault is None:
+        return False
+    handler.send_response(200)
+    handler.send_header("Content-Type", content_type)
+    total = faults["huge"] * 1024 * 1024 if fault == "huge" else None
+    if total is not None:
+        handler.send_header("Content-Length", str(total))
+    # Without a declared length the answer ends when the connection does.
+    handler.send_header("Connection", "close")
+    handler.end_headers()
+    handler.close_connection = True
+    out = handler.wfile
+    if fault == "stall":
+        out.write(head.split(b"\n")[0] + b"\n")
+        out.flush()
+        time.sleep(300)  # a daemon thread: it ends with the server
+        return True
+    if fault == "trickle":
+        data = head + unit * 1000
+        while True:
+            for i in range(0, len(data), 1):
+                out.write(data[i:i + 1])
+                out.flush()
+                time.sleep(0.5)
+    chunk = unit * max(1, 65536 // len(unit))
+    out.write(head)
+    sent = len(head)
+    while total is None or sent < total:
+        piece = chunk if total is None else chunk[:total - sent]
+        out.write(piece)
+        sent += len(piece)
+    out.flush()
+    return True
+
+
 def serve(server, options):
     """Prints "PORT <n>" and serves until SIGTERM, SIGINT or (with --stop-with-stdin) the end of
     standard input; returns the exit status."""

@@ -1,5 +1,7 @@
 #include "cli/command_line.h"
 
+#include <cstdlib>
+
 #include <unistd.h>
 
 namespace tessellon_cli {
@@ -16,10 +18,20 @@ invocation parse_globals(int argc, char** argv) {
         if (a == "--profile") inv.globals.profile = value("--profile");
         else if (a.rfind("--profile=", 0) == 0) inv.globals.profile = a.substr(10);
         else if (a == "--component") inv.globals.component = value("--component");
+        else if (a == "--timeout") inv.globals.timeout_seconds = parse_timeout(value("--timeout"), "--timeout");
+        else if (a.rfind("--timeout=", 0) == 0) inv.globals.timeout_seconds = parse_timeout(a.substr(10), "--timeout");
         else break;
     }
     for (; i < argc; ++i) inv.args.emplace_back(argv[i]);
     return inv;
+}
+
+long parse_timeout(const std::string& text, const std::string& what) {
+    char* end = nullptr;
+    const long seconds = text.empty() || text[0] == '-' ? 0 : std::strtol(text.c_str(), &end, 10);
+    if (seconds < 1 || seconds > max_timeout_seconds || *end != '\0')
+        throw usage_error{what + ": expected whole seconds from 1 to " + std::to_string(max_timeout_seconds) + ", got '" + text + "'"};
+    return seconds;
 }
 
 std::filesystem::path default_component_path() {

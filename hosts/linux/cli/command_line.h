@@ -31,7 +31,16 @@ exit_status exit_status_of(std::exception_ptr error, std::string& text);
 struct global_options {
     std::string profile;       // --profile DIR
     std::string component;     // --component FILE (default: sonatag2.so beside the program)
+    long timeout_seconds = 0;  // --timeout S: the longest one HTTP request may take (0: the profile's)
 };
+
+// The profile's own choice for --timeout (`config timeout`), in seconds; 0 or absent: the
+// built-in default.
+inline constexpr const char* timeout_setting_key = "tessellon.timeout";
+// --timeout and `config timeout` take whole seconds from 1 to this.
+inline constexpr long max_timeout_seconds = 3600;
+// SECONDS as given to --timeout or `config timeout`; raises usage_error naming `what`.
+long parse_timeout(const std::string& text, const std::string& what);
 
 struct invocation {
     global_options globals;

@@ -3,7 +3,7 @@
 namespace tessellon_cli {
 
 const char* const help_text =
-    "Usage: tessellon [--profile DIR] [--component FILE] COMMAND [ARGUMENTS]\n"
+    "Usage: tessellon [--profile DIR] [--timeout S] [--component FILE] COMMAND [ARGUMENTS]\n"
     "\n"
     "Tags the files of one album from CDDB (discora) servers and MusicBrainz.\n"
     "\n"
@@ -15,7 +15,8 @@ const char* const help_text =
     "                 (the cddb commands ask the first configured server, or\n"
     "                 --server http://HOST[:PORT]/PATH)\n"
     "  lookup ALBUM   ask every configured server; matches grouped by server\n"
-    "                 (exit 1 when nothing is found; Ctrl-C aborts)\n"
+    "                 (exit 1 when nothing is found, 2 when every server failed;\n"
+    "                 each failed server is named; Ctrl-C aborts)\n"
     "  servers [list]                               the configured servers\n"
     "  servers add HOST [PORT [ADDRESS [DESCRIPTION]]]\n"
     "                 or --server H --port P --address A --description D;\n"
@@ -32,6 +33,8 @@ const char* const help_text =
     "  config id3 [2.3|2.4]                         show or set the ID3v2 version\n"
     "                 MP3 files are written with (default 2.4; 2.3 for players that\n"
     "                 read only that: the date goes into TYER and TDAT)\n"
+    "  config timeout [SECONDS]                     show or set the default of\n"
+    "                                               --timeout for this profile\n"
     "  config wipe [on|off]                         show or set whether tag wipes the\n"
     "                 files' other fields by default (the tagger dialog's box)\n"
     "  tag FILES|DIR|CUE [--match N] [--artist A] [--album B] [--year Y] [--genre G]\n"
@@ -77,6 +80,10 @@ const char* const help_text =
     "Options:\n"
     "  --profile DIR     settings folder (default: $TESSELLON_PROFILE, else\n"
     "                    $XDG_CONFIG_HOME/tessellon, else ~/.config/tessellon)\n"
+    "  --timeout S       the longest one HTTP request may take, in seconds (default:\n"
+    "                    config timeout, else 30); a server that sends nothing for\n"
+    "                    15 s, an answer over 8 MiB or (CDDB) over 10000 lines\n"
+    "                    also ends the request\n"
     "  --component FILE  the component to load (default: sonatag2.so beside tessellon)\n"
     "  --version         print the version\n"
     "  --help            print this text\n"

@@ -37,6 +37,20 @@ bool only_placeholder_server(const server_list& servers) {
     return servers.size() == 1 && servers[0] == placeholder;
 }
 
+// Names each server that failed on stderr; true when every server failed.
+bool report_failed_servers(const session& s) {
+    const server_list servers = load_server_list();
+    std::size_t failed = 0;
+    for (auto& server : servers) {
+        const std::string origin = std::string(server.get_server()) + ":" + server.get_port();
+        const std::vector<std::string> reasons = s.http_failures().of(origin);
+        for (auto& reason : reasons)
+            std::fprintf(stderr, "tessellon: %s (%s) failed: %s\n", origin.c_str(), server.get_description(), reason.c_str());
+        if (!reasons.empty()) ++failed;
+    }
+    return !servers.empty() && failed == servers.size();
+}
+
 } // namespace
 
 std::string match_label(const disc_record& record) {
@@ -61,10 +75,11 @@ lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<look
     // An aborted lookup shows nothing; one that found nothing says so; otherwise the result went
     // to the tagger dialog.
     if (interrupt_scope::interrupted()) return lookup_outcome::aborted;
+    const bool every_server_failed = report_failed_servers(s);
     if (s.host().popups().popups().size() > popups_before) {
         if (only_placeholder_server(load_server_list()))
             std::fputs("tessellon: no discora server is set up yet; add one with: tessellon servers add HOST PORT ADDRESS DESCRIPTION\n", stderr);
-        return lookup_outcome::nothing_found;
+        return every_server_failed ? lookup_outcome::every_server_failed : lookup_outcome::nothing_found;
     }
     return lookup_outcome::found;
 }
@@ -110,6 +125,7 @@ int run_lookup_command(const global_options& globals, const arguments& args) {
             for (auto& r : server.records) std::printf("  %2d %s\n", ++number, match_label(r).c_str());
         }
     }
+    if (outcome == lookup_outcome::every_server_failed) return exit_failure;
     return outcome == lookup_outcome::found ? exit_ok : exit_nothing;
 }
 

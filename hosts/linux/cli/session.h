@@ -8,6 +8,7 @@
 
 #include "cli/command_line.h"
 #include "file_tag_io.h"
+#include "http/request_failures.h"
 #include "terminal_progress.h"
 
 namespace tessellon_cli {
@@ -36,8 +37,11 @@ public:
     hostkit::tag_update_engine& tag_update() { return *engine_; }
     linux_host::file_tag_io& tag_files() { return tag_files_; }
     hostkit::loaded_component& component() { return *component_; }
+    // Every HTTP request of this run that failed, by server.
+    const request_failures& http_failures() const { return http_failures_; }
 
 private:
+    request_failures http_failures_;
     linux_host::terminal_progress progress_;
     linux_host::file_tag_io tag_files_;
     std::unique_ptr<hostkit::host> host_;

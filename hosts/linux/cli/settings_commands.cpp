@@ -2,6 +2,7 @@
 // for later runs.
 
 #include <cstdio>
+#include <chrono>
 #include <cstdlib>
 #include <stdexcept>
 #include <tuple>
@@ -14,6 +15,7 @@
 #include "cli/record_output.h"
 #include "cli/session.h"
 #include "config/settings.h"
+#include "http/http_request_policy.h"
 
 namespace tessellon_cli {
 
@@ -162,8 +164,20 @@ int run_servers(const global_options& globals, const arguments& args) {
     return list_servers(options);
 }
 
+// `config timeout [SECONDS]`: the profile's default for --timeout.
+int config_timeout(const global_options& globals, const arguments& args) {
+    session s(globals, session::component_source::linked, session::settings_use::saved);
+    if (args.size() == 2) s.host().config().set_int(timeout_setting_key, parse_timeout(args[1], "config timeout"));
+    const std::int64_t stored = s.host().config().get_int(timeout_setting_key, 0);
+    const auto seconds = stored > 0 ? stored : std::chrono::duration_cast<std::chrono::seconds>(http_request_policy{}.deadline).count();
+    std::printf("%lld\n", static_cast<long long>(seconds));
+    return exit_ok;
+}
+
 int run_config(const global_options& globals, const arguments& args) {
-    const char* usage = "usage: tessellon config email [ADDRESS] | config id3 [2.3|2.4] | config wipe [on|off]";
+    const char* usage =
+        "usage: tessellon config email [ADDRESS] | config id3 [2.3|2.4] | config wipe [on|off] | config timeout [SECONDS]";
+    if (args.size() <= 2 && !args.empty() && args[0] == "timeout") return config_timeout(globals, args);
     if (args.empty()) throw usage_error{usage};
     arguments rest(args.begin() + 1, args.end());
     option_reader options(rest, {"--json"}, {});

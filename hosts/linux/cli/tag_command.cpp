@@ -86,6 +86,7 @@ int run_tag(const global_options& globals, const arguments& args) {
     service_ref<lookup_state> unused;
     // The tagger dialog opens by itself when the lookup found something.
     lookup_outcome outcome = run_lookup(s, tracks, unused, /*catch_result=*/false);
+    if (outcome == lookup_outcome::every_server_failed) return exit_failure;
     if (outcome != lookup_outcome::found) return exit_nothing;
     if (windows.open().empty()) throw tunehall_io::exception_io("The tagger dialog did not open");
     headless_view* view = headless_view::from_handle(windows.open().back().handle);

@@ -34,6 +34,11 @@ std::string_view trim(std::string_view text) {
     return text;
 }
 
+std::string seconds_text(std::chrono::milliseconds span) {
+    const auto ms = span.count();
+    return ms % 1000 == 0 ? std::to_string(ms / 1000) + " s" : std::to_string(ms) + " ms";
+}
+
 template <typename T>
 void set(CURL* easy, CURLoption option, T value) {
     if (CURLcode rc = curl_easy_setopt(easy, option, value); rc != CURLE_OK)
@@ -42,8 +47,10 @@ void set(CURL* easy, CURLoption option, T value) {
 
 } // namespace
 
-curl_transfer::curl_transfer(std::string url, const http_request_policy& policy)
-    : url_(std::move(url)), follows_redirects_(policy.follow_redirects) {
+curl_transfer::curl_transfer(std::string url, const http_request_policy& policy,
+                             std::chrono::steady_clock::time_point deadline)
+    : url_(std::move(url)), origin_(origin_of(url_)), follows_redirects_(policy.follow_redirects), limits_(policy),
+      deadline_(deadline), last_byte_(std::chrono::steady_clock::now()) {
     ensure_curl_ready();
     multi_ = curl_multi_init();
     easy_ = curl_easy_init();
@@ -60,8 +67,6 @@ curl_transfer::curl_transfer(std::string url, const http_request_policy& policy)
         set(easy_, CURLOPT_MAXREDIRS, policy.max_redirects);
         set(easy_, CURLOPT_USERAGENT, policy.user_agent.c_str());
         set(easy_, CURLOPT_CONNECTTIMEOUT, policy.connect_timeout_seconds);
-        set(easy_, CURLOPT_LOW_SPEED_LIMIT, policy.low_speed_bytes);
-        set(easy_, CURLOPT_LOW_SPEED_TIME, policy.low_speed_seconds);
         set(easy_, CURLOPT_NOPROXY, policy.no_proxy.c_str());
         set(easy_, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
         // Worker threads: libcurl must not use signals for its time-outs.
@@ -96,6 +101,7 @@ void curl_transfer::wait_for_headers(abort_source& abort) {
 
 std::size_t curl_transfer::read(void* buffer, std::size_t size, abort_source& abort) {
     abort.check();
+    if (!failure_.empty()) fail(failure_, !broken_limit_.empty());
     if (size == 0) return 0;
     if (buffer_pos_ == buffer_.size()) {
         buffer_.clear();
@@ -127,11 +133,22 @@ void curl_transfer::run_until(Ready ready, abort_source& abort) {
     for (;;) {
         abort.check();
         perform();
+        check_limits();
         if (ready() || done_) return;
         CURLMcode rc = curl_multi_poll(multi_, nullptr, 0, wake_ms, nullptr);
         if (rc != CURLM_OK)
             throw tunehall_io::exception_io("HTTP request to " + url_ + " failed: " + curl_multi_strerror(rc));
     }
+}
+
+void curl_transfer::check_limits() {
+    // An answer over a size or line limit is bad data, like any other answer nobody can use.
+    if (!broken_limit_.empty()) fail(broken_limit_, true);
+    // An answer already in whole is not late, however long its reader takes over it.
+    if (done_) return;
+    const auto now = std::chrono::steady_clock::now();
+    if (now >= deadline_) fail("no complete answer within " + seconds_text(limits_.deadline));
+    if (now - last_byte_ >= limits_.stall) fail("nothing received for " + seconds_text(limits_.stall));
 }
 
 void curl_transfer::perform() {
@@ -159,6 +176,9 @@ void curl_transfer::end_of_header_block() {
     status_ = code;
     curl_off_t length = -1;
     if (curl_easy_getinfo(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK) content_length_ = length;
+    // A declared size over the cap is refused before a byte of it is fetched.
+    if (content_length_ > 0 && static_cast<std::uint64_t>(content_length_) > limits_.max_answer_bytes)
+        broken_limit_ = too_large();
     headers_done_ = true;
 }
 
@@ -175,14 +195,25 @@ long curl_transfer::retry_after_seconds() const {
     return static_cast<long>(seconds);
 }
 
-void curl_transfer::raise_failure() const {
+void curl_transfer::raise_failure() {
     if (result_ == CURLE_ABORTED_BY_CALLBACK) throw tunehall_io::exception_aborted();
-    const std::string text = error_[0] ? std::string(error_) : std::string(curl_easy_strerror(result_));
-    throw tunehall_io::exception_io("HTTP request to " + url_ + " failed: " + text);
+    fail(error_[0] ? std::string(error_) : std::string(curl_easy_strerror(result_)));
+}
+
+void curl_transfer::fail(std::string reason, bool bad_data) {
+    failure_ = std::move(reason);
+    const std::string text = "HTTP request to " + url_ + " failed: " + failure_;
+    if (bad_data) throw tunehall_io::exception_io_data(text);
+    throw tunehall_io::exception_io(text);
+}
+
+std::string curl_transfer::too_large() const {
+    return "answer larger than " + std::to_string(limits_.max_answer_bytes / (1024 * 1024)) + " MiB";
 }
 
 std::size_t curl_transfer::on_header(char* data, std::size_t size, std::size_t count, void* self_ptr) {
     auto& self = *static_cast<curl_transfer*>(self_ptr);
+    self.last_byte_ = std::chrono::steady_clock::now();
     const std::string_view line = trim(std::string_view(data, size * count));
     if (starts_with_nocase(line, "http/")) {
         // "HTTP/1.1 404 Not Found": a new answer starts (the first, or one after a redirect).
@@ -206,7 +237,17 @@ std::size_t curl_transfer::on_body(char* data, std::size_t size, std::size_t cou
         self.paused_ = true;
         return CURL_WRITEFUNC_PAUSE;
     }
+    self.last_byte_ = std::chrono::steady_clock::now();
     if (!self.headers_done_) self.end_of_header_block();
+    // Returning less than was handed over makes libcurl end the transfer.
+    self.body_bytes_ += n;
+    if (self.body_bytes_ > self.limits_.max_answer_bytes) self.broken_limit_ = self.too_large();
+    if (self.limits_.max_answer_lines > 0) {
+        self.body_lines_ += static_cast<std::size_t>(std::count(data, data + n, '\n'));
+        if (self.body_lines_ > self.limits_.max_answer_lines)
+            self.broken_limit_ = "answer longer than " + std::to_string(self.limits_.max_answer_lines) + " lines";
+    }
+    if (!self.broken_limit_.empty()) return 0;
     self.buffer_.append(data, n);
     return n;
 }

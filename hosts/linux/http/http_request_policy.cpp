@@ -105,8 +105,22 @@ http_request_policy policy_for_url(const std::string& url) {
         policy.retries_on_503 = 3;
         if (target->host == public_service_host && target->port == "80" && target->scheme == "http")
             policy.url = as_https(url);
+        policy.max_answer_lines = 0;
     }
     return policy;
+}
+
+http_request_policy policy_for_url(const std::string& url, std::chrono::milliseconds deadline) {
+    http_request_policy policy = policy_for_url(url);
+    policy.deadline = deadline;
+    policy.stall = std::min(policy.stall, deadline);
+    return policy;
+}
+
+std::string origin_of(const std::string& url) {
+    const std::optional<host_and_port> target = host_of(url, true);
+    if (!target) return url;
+    return target->host + (target->port.empty() ? "" : ":" + target->port);
 }
 
 std::chrono::milliseconds delay_before_retry(const http_request_policy& policy, int retry, long retry_after_seconds) {

@@ -4,6 +4,8 @@
 // that no caller has to know them.
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 
 struct http_request_policy {
@@ -12,10 +14,18 @@ struct http_request_policy {
     std::string url;
     std::string user_agent = "Tessellon/0.9";
     long connect_timeout_seconds = 10;
-    // A transfer that moves less than `low_speed_bytes` per second for this long is dead.
-    // Kept long: CDDB servers may take a while over a query, and the user can always abort.
-    long low_speed_bytes = 1;
-    long low_speed_seconds = 60;
+    // Limits no real server comes near, so that a broken or hostile one costs a bounded time
+    // and memory. Each ends the request with an error naming the server and the limit.
+    // The whole request, from the first connection attempt to the last byte (redirects and
+    // retries included): a server that trickles a valid answer must not hold a command forever.
+    std::chrono::milliseconds deadline{std::chrono::seconds(30)};
+    // No byte at all (not even a header) for this long: the server is gone.
+    std::chrono::milliseconds stall{std::chrono::seconds(15)};
+    // A whole CDDB answer or web-service document is a few hundred kilobytes at most.
+    std::uint64_t max_answer_bytes = 8 * 1024 * 1024;
+    // Line ends in one answer (0: not counted). A site list or a match list of this length is
+    // already far beyond any real server's.
+    std::size_t max_answer_lines = 10000;
     long max_redirects = 10;
     // False: the caller follows redirects itself, one request at a time, so that each hop
     // waits its turn at the rate gate (libcurl would follow them unpaced).
@@ -38,9 +48,16 @@ struct http_request_policy {
 
 // The policy for a request to `url`. The MusicBrainz web service (the host in
 // TESSELLON_MUSICBRAINZ_HOST, else musicbrainz.org) gets its own rules: a User-Agent naming
-// the program and a contact, one request a second, and retries of busy answers; the public
-// service itself is asked over https from the first request.
+// the program and a contact, one request a second, retries of busy answers, and no line
+// count (its XML may be laid out over any number of lines); the public service itself is asked
+// over https from the first request. `deadline` replaces the default one (the user's
+// --timeout); the stall limit never exceeds it.
 http_request_policy policy_for_url(const std::string& url);
+http_request_policy policy_for_url(const std::string& url, std::chrono::milliseconds deadline);
+
+// "host:port" of `url` as libcurl reads it, the port filled in from the scheme when not
+// named; the URL itself when it cannot be read.
+std::string origin_of(const std::string& url);
 
 // How long to wait before retry number `retry` (0 for the first) of a busy answer, given the
 // server's Retry-After in seconds (0 when it sent none).

@@ -1,0 +1,159 @@
+// `tessellon` against servers that misbehave, and profiles shared or damaged: every command ends
+// within its deadline with a failure that names the server, and changes no file and no setting.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <thread>
+
+#include "support/audio_files.h"
+#include "support/local_server.h"
+#include "support/run_program.h"
+#include "support/temp_folder.h"
+#include "unit/musicbrainz/mb_test_data.h"
+
+using namespace testing_support;
+
+namespace {
+
+constexpr int timeout_seconds = 2;
+const std::string mb_disc = "pphmFbEaZKk7KDKQ_AKCMVtrjIg-";
+
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+// Every file under `folder` with its bytes, leaving out the log and the lock, which any run may
+// touch without changing a setting.
+std::map<std::string, std::string> snapshot(const std::filesystem::path& folder) {
+    std::map<std::string, std::string> files;
+    for (auto& e : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::string name = e.path().filename().string();
+        if (e.is_regular_file() && name != "console.log" && name != "lock")
+            files[std::filesystem::relative(e.path(), folder).string()] = read_file(e.path());
+    }
+    return files;
+}
+
+struct fault_case {
+    const char* cddb_fault;
+    const char* musicbrainz_fault;  // empty: the fault means nothing to the web service
+    // The answer arrives whole and only its reader finds it unusable: the commands that ask
+    // one server directly report the reader's text, the lookups name the server.
+    bool found_by_the_reader;
+};
+
+std::ostream& operator<<(std::ostream& out, const fault_case& c) { return out << c.cddb_fault; }
+
+struct bounded_cli : ::testing::TestWithParam<fault_case> {
+    temp_folder profile{"tessellon-bounded"};
+    temp_folder music{"tessellon-bounded-album"};
+    local_server cddb{"tests/servers/cddb_server.py", {"--sites", "tests/servers/cddb_db/sites.txt"}};
+    local_server musicbrainz{"tests/servers/musicbrainz_server.py"};
+    mb_testing::scoped_environment service_host{"TESSELLON_MUSICBRAINZ_HOST",
+                                                ("127.0.0.1:" + std::to_string(musicbrainz.port())).c_str()};
+
+    program_result run(std::vector<std::string> args) {
+        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string(), "--timeout",
+                                   std::to_string(timeout_seconds)});
+        return run_program(args);
+    }
+};
+
+TEST_P(bounded_cli, every_command_fails_in_time_naming_the_server_and_changes_nothing) {
+    const fault_case& c = GetParam();
+    const auto album = music / "album";
+    make_album(album, mb_testing::lengths_of(mb_testing::disc_with_id(mb_disc)), audio_format::flac);
+    ASSERT_EQ(run({"servers", "edit", "1", "--server", "127.0.0.1", "--port", std::to_string(cddb.port())}).exit_code, 0);
+    cddb.set_fault(c.cddb_fault);
+    if (*c.musicbrainz_fault) musicbrainz.set_fault(c.musicbrainz_fault);
+
+    const std::string cddb_origin = "127.0.0.1:" + std::to_string(cddb.port());
+    const std::string server = "--server=" + cddb.base_url() + "/~cddb/cddb.cgi";
+    struct command {
+        std::vector<std::string> args;
+        bool direct;  // asks one server itself rather than through a lookup
+    };
+    std::vector<command> commands = {
+        {{"cddb", "query", album.string(), server}, true},
+        {{"cddb", "read", "country", "12025d03", server}, true},
+        {{"cddb", "sites", server}, true},
+        {{"servers", "retrieve", "1"}, true},
+        {{"lookup", album.string()}, false},
+        {{"tag", album.string()}, false},
+    };
+    if (*c.musicbrainz_fault) commands.push_back({{"musicbrainz", album.string(), "--write"}, true});
+
+    const auto files_before = snapshot(music.path());
+    const auto profile_before = snapshot(profile.path());
+    for (auto& cmd : commands) {
+        const std::string name = cmd.args[0] + " " + cmd.args[1];
+        const auto start = std::chrono::steady_clock::now();
+        auto r = run(cmd.args);
+        const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        EXPECT_EQ(r.exit_code, 2) << name << ": " << r.err;
+        EXPECT_LT(seconds, timeout_seconds + 2) << name;
+        const bool is_musicbrainz = cmd.args[0] == "musicbrainz";
+        const std::string origin = is_musicbrainz ? "127.0.0.1:" + std::to_string(musicbrainz.port()) : cddb_origin;
+        if (!(c.found_by_the_reader && cmd.direct)) {
+            EXPECT_TRUE(contains(r.err, origin)) << name << ": " << r.err;
+        }
+        EXPECT_TRUE(snapshot(music.path()) == files_before) << name << " changed a file of the album";
+        EXPECT_TRUE(snapshot(profile.path()) == profile_before) << name << " changed the profile";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(faults, bounded_cli,
+                         ::testing::Values(fault_case{"trickle", "trickle", false}, fault_case{"stall", "stall", false},
+                                           fault_case{"endless", "endless", false}, fault_case{"huge:200", "huge:200", false},
+                                           fault_case{"many:20000", "", false}, fault_case{"cut", "", false},
+                                           fault_case{"garbage", "garbage", true}),
+                         [](const auto& info) {
+                             std::string name = info.param.cddb_fault;
+                             return name.substr(0, name.find(':'));
+                         });
+
+struct shared_profile : ::testing::Test {
+    temp_folder profile{"tessellon-shared"};
+    program_result run(std::vector<std::string> args) {
+        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
+        return run_program(args);
+    }
+};
+
+TEST_F(shared_profile, twenty_concurrent_additions_are_all_kept) {
+    std::vector<std::thread> runs;
+    std::vector<int> exits(20, -1);
+    for (int i = 0; i < 20; ++i)
+        runs.emplace_back([&, i] { exits[i] = run({"servers", "add", "host" + std::to_string(i) + ".invalid"}).exit_code; });
+    for (auto& t : runs) t.join();
+    const std::string list = run({"servers", "list"}).out;
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(exits[i], 0) << i;
+        EXPECT_TRUE(contains(list, "host" + std::to_string(i) + ".invalid:80")) << i << "\n" << list;
+    }
+}
+
+TEST_F(shared_profile, a_damaged_settings_file_is_kept_every_time_and_named) {
+    const auto settings = profile / "config.tsc";
+    for (int round = 0; round < 2; ++round) {
+        std::string damage(300, '\0');
+        for (std::size_t i = 0; i < damage.size(); ++i) damage[i] = static_cast<char>((i * 131 + round * 7) % 251);
+        write_file(settings, damage);
+        auto r = run({"servers", "list"});
+        EXPECT_EQ(r.exit_code, 0) << r.err;
+        EXPECT_TRUE(contains(r.out, "cddb.tessellon.invalid:80")) << "built-in servers: " << r.out;
+        const std::string marker = "kept as ";
+        ASSERT_TRUE(contains(r.err, "damaged") && contains(r.err, marker)) << r.err;
+        const std::string kept = r.err.substr(r.err.find(marker) + marker.size(), r.err.find(' ', r.err.find(marker) + marker.size()) -
+                                                                                     r.err.find(marker) - marker.size());
+        EXPECT_EQ(read_file(kept), damage) << "round " << round << ": " << kept;
+        EXPECT_FALSE(std::filesystem::exists(settings)) << "the defaults are not written until something changes";
+    }
+    int copies = 0;
+    for (auto& e : std::filesystem::directory_iterator(profile.path()))
+        copies += e.path().filename().string().rfind("config.tsc.damaged-", 0) == 0;
+    EXPECT_EQ(copies, 2);
+}
+
+} // namespace
