@@ -159,7 +159,7 @@ std::optional<exact_length> mp3_length(const opened_file& f) {
 }
 
 // The body of the moov box, found by walking the top-level boxes' headers.
-std::optional<std::string> mp4_moov(cached_file_stream& stream) {
+std::optional<std::string> mp4_moov(TagLib::IOStream& stream) {
     // Far above any real moov (an hour of AAC needs about 200 KB), low enough to read whole.
     constexpr std::uint64_t largest_moov = 16 << 20;
     const auto end = static_cast<std::uint64_t>(stream.length());

@@ -200,7 +200,14 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
         const bool no_match = said.ends_with("No matching entry") || said.find("failed: 404") != std::string::npos;
         return no_match ? exit_nothing : exit_failure;
     }
-    if (!shown) shown = release_written(result->plan);
+    if (!shown) {
+        // The write-at-once entry shows nothing: the release is the one its tags carry, and the
+        // cache tells whether the service knew the disc id or only its table of contents.
+        shown = release_written(result->plan);
+        musicbrainz_cache cache;
+        std::string entry;
+        if (shown) shown->matched_by_toc = !cache.get("disc-" + disc_id, entry) && cache.get("toc-" + disc_id, entry);
+    }
     if (choice.json) {
         json_writer json;
         json.begin_object().key("disc_id").value(disc_id);

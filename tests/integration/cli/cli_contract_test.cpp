@@ -145,8 +145,9 @@ TEST_F(cli_contract, each_command_keeps_its_exit_status_names_its_server_and_pri
         {{"config", "id3", "2.3", "--json"}, 0, "", "\"2.3\"", R"({"id3":""})"},
         {{"servers", "reset"}, 0, "", "1  cddb.tessellon.invalid:80"},
         {{"config", "email"}, 0, "", "ann@mailhost.invalid\n"},
-        // Only the built-in placeholder server: the command line says how to set one up.
-        {{"lookup", "--lengths", disc}, 1, "tessellon servers add HOST PORT"},
+        // Only the built-in placeholder server, which no one can reach: every server failed, and
+        // the command line says how to set one up.
+        {{"lookup", "--lengths", disc}, 2, "tessellon servers add HOST PORT"},
     });
 }
 
