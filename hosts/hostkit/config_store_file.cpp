@@ -93,6 +93,8 @@ private:
 
 } // namespace
 
+service_ref<memory_block> make_memory_block(std::string bytes) { return make_service<block>(std::move(bytes)); }
+
 std::string config_store_file::encode(const map& values) {
     std::string out(magic, sizeof magic);
     put_u32(out, static_cast<std::uint32_t>(values.size()));
@@ -188,7 +190,7 @@ service_ref<memory_block> config_store_file::get_blob(const char* key) {
     std::lock_guard lock(lock_);
     auto it = values_.find(key);
     if (it == values_.end() || it->second.type != value::kind::blob) return {};
-    return make_service<block>(it->second.bytes);
+    return make_memory_block(it->second.bytes);
 }
 
 void config_store_file::set_blob(const char* key, const void* data, std::size_t size) {

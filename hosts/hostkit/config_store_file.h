@@ -12,6 +12,9 @@
 
 namespace hostkit {
 
+// A blob as the stores hand it out: a copy of its bytes.
+service_ref<memory_block> make_memory_block(std::string bytes);
+
 class config_store_file : public host_config_store {
 public:
     // Loads `file` when it exists. A damaged file is renamed to a copy of its own (see

@@ -8,8 +8,8 @@
 
 namespace hostkit {
 
-// A track at `path` playing `seconds`, whose info record is `info` (its length is set to
-// `seconds`).
-track_ref make_plain_track(const std::string& path, double seconds, track_info info = {});
+// A track at `path` (its part `subsong` when not 0, as a track of a cue sheet) playing `seconds`,
+// whose info record is `info` (its length is set to `seconds`).
+track_ref make_plain_track(const std::string& path, double seconds, track_info info = {}, std::uint32_t subsong = 0);
 
 } // namespace hostkit

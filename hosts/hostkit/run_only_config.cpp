@@ -1,18 +1,8 @@
 #include "run_only_config.h"
 
+#include "config_store_file.h"
+
 namespace hostkit {
-
-namespace {
-class block : public memory_block {
-public:
-    explicit block(std::string data) : data_(std::move(data)) {}
-    std::size_t size() const override { return data_.size(); }
-    const void* data() const override { return data_.data(); }
-
-private:
-    std::string data_;
-};
-} // namespace
 
 const run_only_config::value* run_only_config::changed(const char* key) const {
     auto it = changes_.find(key);
@@ -49,7 +39,7 @@ service_ref<memory_block> run_only_config::get_blob(const char* key) {
         std::lock_guard lock(lock_);
         if (const value* v = changed(key)) {
             if (!std::holds_alternative<blob>(*v)) return {};
-            return make_service<block>(std::get<blob>(*v).bytes);
+            return make_memory_block(std::get<blob>(*v).bytes);
         }
     }
     return saved_->get_blob(key);

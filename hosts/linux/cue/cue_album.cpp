@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include <hostkit/file_util.h>
+#include <hostkit/plain_track.h>
 #include <tunehall/exceptions.h>
 #include <tunehall/text.h>
 
@@ -17,24 +18,6 @@
 namespace linux_cue {
 
 namespace {
-
-class cue_track_handle : public track_handle {
-public:
-    cue_track_handle(std::string path, std::uint32_t subsong, track_info info)
-        : path_(std::move(path)), subsong_(subsong), info_(std::move(info)) {}
-    const char* path() const override { return path_.c_str(); }
-    std::uint32_t subsong() const override { return subsong_; }
-    double length() const override { return info_.length; }
-    bool get_info(track_info& out) const override {
-        out = info_;
-        return true;
-    }
-
-private:
-    std::string path_;
-    std::uint32_t subsong_;
-    track_info info_;
-};
 
 bool has_extension(const std::string& path, const char* extension) {
     const std::string name = hostkit::path_utf8(hostkit::utf8_path(path).filename());
@@ -76,8 +59,7 @@ track_list make_tracks(const std::vector<laid_track>& laid, const std::vector<tr
             info.info_set("pregap", cue_time_text(pregap));
             for (auto& [key, value] : first_extra.info) info.info_set(key.c_str(), value);
         }
-        info.length = t.seconds;
-        out.push_back(make_service<cue_track_handle>(places[t.track].first, places[t.track].second, std::move(info)));
+        out.push_back(hostkit::make_plain_track(places[t.track].first, t.seconds, std::move(info), places[t.track].second));
     }
     return out;
 }
