@@ -1,6 +1,8 @@
 #include "file_tag_io.h"
 
 #include <sys/stat.h>
+#include <fstream>
+#include <iterator>
 #include <unistd.h>
 
 #include <tunehall/exceptions.h>
@@ -58,9 +60,11 @@ void file_tag_io::check(const hostkit::planned_file& file) {
 
 void file_tag_io::begin_run(const hostkit::update_plan& plan) {
     run_files_.clear();
+    journaled_.clear();
     std::vector<std::string> paths;
     for (const auto& f : plan.files) {
-        if (!f.changes || linux_cue::is_cue_track(*f.track)) continue;
+        // The tracks of a cue sheet share its file, which is journaled once.
+        if (!f.changes || run_files_.count(f.path)) continue;
         run_files_[f.path] = paths.size();
         paths.push_back(f.path);
     }
@@ -74,8 +78,7 @@ void file_tag_io::end_run(bool complete) {
 }
 
 void file_tag_io::write_tags(const track_ref& track, const tag_record& tags) {
-    if (linux_cue::is_cue_track(*track))
-        return linux_cue::update_cue_tags(track->path(), track->subsong(), [&](const tag_record&) { return tags; });
+    if (linux_cue::is_cue_track(*track)) return write_cue_tags(track, tags);
     const std::string path = track->path();
     auto it = run_files_.find(path);
     if (!journaling_ || it == run_files_.end()) {
@@ -90,9 +93,26 @@ void file_tag_io::write_tags(const track_ref& track, const tag_record& tags) {
     note_own_write(track);
 }
 
+// A cue sheet is rewritten whole (atomically) for each of its tracks; before its first change in a
+// run its whole old text goes into the journal, which is what puts it back.
+void file_tag_io::write_cue_tags(const track_ref& track, const tag_record& tags) {
+    const std::string path = track->path();
+    auto it = run_files_.find(path);
+    const bool journaled = journaling_ && it != run_files_.end();
+    if (journaled && journaled_.insert(it->second).second) {
+        std::ifstream in(path, std::ios::binary);
+        const std::string old_text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        if (!in.good() && !in.eof()) throw tunehall_io::exception_io("Cannot read " + path);
+        journal_->record_before(it->second, identity_of(path), -1,
+                                {linux_audio::content_piece{-1, static_cast<std::int64_t>(old_text.size()), old_text}});
+    }
+    linux_cue::update_cue_tags(path, track->subsong(), [&](const tag_record&) { return tags; });
+    if (journaled) journal_->record_written(it->second, identity_of(path));
+}
+
 void file_tag_io::restore(const hostkit::planned_file& file) {
     auto it = run_files_.find(file.path);
-    if (!journaling_ || it == run_files_.end() || linux_cue::is_cue_track(*file.track)) return hostkit::tag_io::restore(file);
+    if (!journaling_ || it == run_files_.end()) return hostkit::tag_io::restore(file);
     journal_->restore_from_current(it->second);
     note_own_write(file.track);
 }

@@ -3,6 +3,7 @@
 // write crash-safe and, when a journal is given, journaled for undo before the file changes.
 
 #include <map>
+#include <set>
 #include <memory>
 
 #include <hostkit/tag_update_engine.h>
@@ -34,11 +35,14 @@ public:
     }
 
 private:
+    void write_cue_tags(const track_ref& track, const tag_record& tags);
+
     tag_write_options options_;
     std::unique_ptr<undo_journal> journal_;
     std::string command_, album_;
     bool journaling_ = false;
     std::map<std::string, std::size_t> run_files_;  // path -> its number in the run
+    std::set<std::size_t> journaled_;                // files whose old content the run has kept
     std::map<std::string, linux_audio::file_identity> read_;  // when the update read the tags
 };
 

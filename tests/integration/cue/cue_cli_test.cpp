@@ -35,6 +35,7 @@ TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_i
                "  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n  TRACK 02 AUDIO\n    INDEX 01 02:39:68\n"
                "  TRACK 03 AUDIO\n    FLAGS DCP\n    INDEX 01 07:00:32\n");
     const std::string audio_before = read_file(music / "album.flac");
+    const std::string sheet_before = read_file(music / "album.cue");
 
     auto r = run({"tag", music.path().string(), "--match", "1", "--wipe"});  // the folder stands for its sheet
     ASSERT_EQ(r.exit_code, 0) << r.err;
@@ -61,6 +62,11 @@ TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_i
         std::sort(tracks[t].begin(), tracks[t].end());
         EXPECT_EQ(tracks[t], expected) << "track " << t + 1;
     }
+
+    // The sheet was journaled once, before its first change: undo gives it back byte for byte.
+    r = run({"undo"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(read_file(music / "album.cue"), sheet_before);
 }
 
 TEST(cue_cli, musicbrainz_write_puts_the_release_into_the_cue_sheet) {
