@@ -62,14 +62,7 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    // Ours and TagLib's repetitions take turns in a random order, so that other work on a shared
-    // machine weighs on both alike.
-    std::vector<char*> args(argv, argv + argc);
-    char interleave[] = "--benchmark_enable_random_interleaving=true";
-    args.insert(args.begin() + 1, interleave);
-    int count = static_cast<int>(args.size());
-    benchmark::Initialize(&count, args.data());
-    if (benchmark::ReportUnrecognizedArguments(count, args.data())) return 2;
+    if (!initialize_interleaved(argc, argv)) return 2;
     try {
         length_read_suite suite;
         suite.register_benchmarks();

@@ -321,15 +321,7 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    // Repetitions of ours and of the plain loop take turns in a random order, so that other work
-    // coming and going on a shared machine weighs on both alike rather than on whichever ran
-    // while it lasted. An explicit --benchmark_enable_random_interleaving later on the line wins.
-    std::vector<char*> args(argv, argv + argc);
-    char interleave[] = "--benchmark_enable_random_interleaving=true";
-    args.insert(args.begin() + 1, interleave);
-    int count = static_cast<int>(args.size());
-    benchmark::Initialize(&count, args.data());
-    if (benchmark::ReportUnrecognizedArguments(count, args.data())) return 2;
+    if (!initialize_interleaved(argc, argv)) return 2;
     try {
         tag_update_suite suite;
         suite.register_benchmarks();

@@ -3,6 +3,9 @@
 #include <cstdio>
 #include <ostream>
 #include <utility>
+#include <vector>
+
+#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -54,4 +57,13 @@ void tag_update_reporter::Finalize() {
     }
     if (errors()) out << "\n" << errors() << " benchmark(s) reported an error; see above\n";
     ConsoleReporter::Finalize();
+}
+
+bool initialize_interleaved(int argc, char** argv) {
+    std::vector<char*> args(argv, argv + argc);
+    static char interleave[] = "--benchmark_enable_random_interleaving=true";
+    args.insert(args.begin() + 1, interleave);
+    int count = static_cast<int>(args.size());
+    benchmark::Initialize(&count, args.data());
+    return !benchmark::ReportUnrecognizedArguments(count, args.data());
 }

@@ -8,6 +8,11 @@
 
 #include "median_reporter.h"
 
+// Starts Google Benchmark with ours' and the peer's repetitions taking turns in a random order,
+// so that other work coming and going on a shared machine weighs on both alike (an explicit
+// --benchmark_enable_random_interleaving later on the line wins). False: bad arguments.
+bool initialize_interleaved(int argc, char** argv);
+
 class tag_update_reporter final : public median_reporter {
 public:
     // `ours` and `peer` name the two compared benchmarks; `parts` name benchmarks that time a
