@@ -125,7 +125,7 @@ album_tracks read_cue_album(const std::string& path) {
         infos.push_back(std::move(info));
     }
     track_info first_extra;
-    char name[16];
+    char name[24];  // "index " and any unsigned number
     for (const cue_index& i : sheet.tracks.front().indices)
         if (i.number >= 2) {
             std::snprintf(name, sizeof name, "index %02u", i.number);
