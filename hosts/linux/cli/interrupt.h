@@ -4,6 +4,9 @@
 // through abort(); a prompt's read returns) and the command ends as aborted. Outside a scope it
 // ends the program at once with the aborted status. A second Ctrl-C always ends the program.
 
+#include <optional>
+#include <string>
+
 #include <tunehall/abort.h>
 
 #include <hostkit/threaded_process_worker.h>
@@ -12,6 +15,10 @@ namespace tessellon_cli {
 
 // Installs the handler; called once, before any command runs.
 void watch_interrupts();
+
+// One line typed at a prompt, without its end; nothing at end of input or when Ctrl-C was pressed
+// while an interrupt_scope was active (also before the wait began).
+std::optional<std::string> read_answer();
 
 class interrupt_scope {
 public:

@@ -3,7 +3,6 @@
 // "&Update files" writes the tags through the host's tag update, after its preview.
 
 #include <cstdio>
-#include <iostream>
 #include <optional>
 #include <unistd.h>
 
@@ -53,14 +52,15 @@ std::size_t ask_for_match(headless_view& v, const std::vector<std::size_t>& rows
     interrupt_scope ctrl_c;
     for (;;) {
         std::fprintf(stderr, "Match to write [1-%zu, Enter for 1]: ", rows.size());
-        std::string line;
-        if (!std::getline(std::cin, line)) {
+        std::fflush(stderr);
+        const std::optional<std::string> line = read_answer();
+        if (!line) {
             std::fputc('\n', stderr);
             throw user_cancelled{"no match chosen; nothing written"};
         }
-        if (line.empty()) return 1;
+        if (line->empty()) return 1;
         char* end = nullptr;
-        unsigned long n = std::strtoul(line.c_str(), &end, 10);
+        unsigned long n = std::strtoul(line->c_str(), &end, 10);
         if (*end == '\0' && n >= 1 && n <= rows.size()) return n;
     }
 }

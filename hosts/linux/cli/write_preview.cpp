@@ -1,7 +1,7 @@
 #include "cli/write_preview.h"
 
 #include <cstdio>
-#include <iostream>
+#include <optional>
 
 #include <unistd.h>
 
@@ -56,9 +56,8 @@ std::string quoted(const std::vector<std::string>& values) {
 }
 
 bool answer_is_yes() {
-    std::string line;
-    if (!std::getline(std::cin, line)) return false;
-    return line == "y" || line == "Y" || line == "yes";
+    const std::optional<std::string> line = read_answer();
+    return line && (*line == "y" || *line == "Y" || *line == "yes");
 }
 
 } // namespace
@@ -111,7 +110,7 @@ hostkit::tag_update_engine::gate_fn make_write_gate(const write_choice& choice) 
         std::fprintf(stderr, "Write these tags to %zu files? [y/N] ", plan.changing());
         std::fflush(stderr);
         // Ctrl-C at the question is a no, also when the answer was typed after it.
-        return answer_is_yes() && !interrupt_scope::interrupted();
+        return answer_is_yes();
     };
 }
 
