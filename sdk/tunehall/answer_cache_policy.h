@@ -3,7 +3,7 @@
 //
 // Optional: a host that does not offer it leaves every component to use its caches as it always
 // does. A host offers it when the user asked for fresh answers (for example after a service was
-// fixed), for as long as that request holds.
+// fixed) or when a run is to leave the profile as it found it, for as long as that request holds.
 
 #include "service.h"
 
@@ -13,4 +13,6 @@ public:
     // True: ask the services again instead of answering from the cache. New answers are still
     // kept for later.
     virtual bool refresh_cached_answers() = 0;
+    // False: answers fetched now are used but not kept.
+    virtual bool keep_new_answers() { return true; }
 };

@@ -94,10 +94,10 @@ std::shared_ptr<musicbrainz_release> chosen(const std::vector<musicbrainz_releas
 
 std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& tracks, abort_source& abort) {
     musicbrainz_cache cache;
-    const auto policy = try_host_service<answer_cache_policy>();
-    const bool refresh = policy && policy->refresh_cached_answers();
-    return musicbrainz_lookup(tracks, abort, cache,
-                              refresh ? musicbrainz_cache_use::refresh : musicbrainz_cache_use::answer_from_cache);
+    musicbrainz_cache_use use;
+    if (const auto policy = try_host_service<answer_cache_policy>())
+        use = {!policy->refresh_cached_answers(), policy->keep_new_answers()};
+    return musicbrainz_lookup(tracks, abort, cache, use);
 }
 
 std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& selection, abort_source& abort,
@@ -110,7 +110,7 @@ std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& select
     const std::string toc_pointer = "toc-" + disc_id;
 
     element metadata;
-    if (use == musicbrainz_cache_use::answer_from_cache) {
+    if (use.answer_from_cache) {
         if (cached_metadata(cache, "disc-" + disc_id, metadata))
             return chosen(media_holding(metadata, disc_id, tracks.size()));
         if (cached_metadata(cache, toc_pointer, metadata)) return chosen(closest_media(metadata, toc));
@@ -127,7 +127,7 @@ std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& select
         musicbrainz_answer_walk walk(metadata);
         walk.read_release_candidates(disc_id, tracks.size(), candidates);
         // An answer that yields nothing is not kept: the service may know better next time.
-        if (!candidates.empty()) store(cache, metadata, exact_pointers(walk));
+        if (!candidates.empty() && use.keep_new_answers) store(cache, metadata, exact_pointers(walk));
         return chosen(candidates);
     }
 
@@ -139,6 +139,6 @@ std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& select
     }
     candidates = closest_media(metadata, toc);
     if (candidates.empty()) std::rethrow_exception(unknown_disc);
-    store(cache, metadata, {toc_pointer});
+    if (use.keep_new_answers) store(cache, metadata, {toc_pointer});
     return chosen(candidates);
 }

@@ -18,12 +18,15 @@ public:
     musicbrainz_no_match() : std::runtime_error("No matching entry") {}
 };
 
-// Whether earlier answers kept in the cache may serve a lookup.
-enum class musicbrainz_cache_use { answer_from_cache, refresh };
+// Whether earlier answers kept in the cache may serve a lookup, and whether new ones are kept.
+struct musicbrainz_cache_use {
+    bool answer_from_cache = true;
+    bool keep_new_answers = true;
+};
 
 // The release for `tracks` (one disc, in selection order), from the cache in the profile folder
 // or else from the web service; the host's answer_cache_policy, when it offers one, may ask for a
-// refresh. When the service does not know the disc id (HTTP 404), it is asked once more with the
+// refresh or that nothing new be kept. When the service does not know the disc id (HTTP 404), it is asked once more with the
 // disc's TOC, and the medium closest to the album by track lengths is taken (marked as matched by
 // TOC). Only answers that yield a release are cached. Raises what the user is to be shown:
 // "No matching entry", the service's not-found error (neither the id nor the TOC is known),
@@ -32,4 +35,4 @@ std::shared_ptr<musicbrainz_release> musicbrainz_lookup(const track_list& tracks
 // The same with a cache of the caller's, used as `use` says.
 std::shared_ptr<musicbrainz_release> musicbrainz_lookup(
     const track_list& tracks, abort_source& abort, musicbrainz_cache& cache,
-    musicbrainz_cache_use use = musicbrainz_cache_use::answer_from_cache);
+    musicbrainz_cache_use use = {});

@@ -41,6 +41,17 @@ std::string read_file(const std::filesystem::path& path) {
     return out.str();
 }
 
+std::map<std::string, std::string> folder_bytes(const std::filesystem::path& folder) {
+    std::map<std::string, std::string> files;
+    if (!std::filesystem::exists(folder)) return files;
+    for (auto& e : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::string name = e.path().filename().string();
+        if (e.is_regular_file() && name != "console.log" && name != "lock")
+            files[std::filesystem::relative(e.path(), folder).string()] = read_file(e.path());
+    }
+    return files;
+}
+
 void write_file(const std::filesystem::path& path, const std::string& data) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(data.data(), static_cast<std::streamsize>(data.size()));

@@ -2,6 +2,7 @@
 // A fresh folder under the system's temporary folder, removed with everything in it at the end.
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ private:
 
 // Reads a whole file (empty when it cannot be read).
 std::string read_file(const std::filesystem::path& path);
+// Every file under `folder` (relative name -> bytes), leaving out the profile's log and lock,
+// which any run may touch.
+std::map<std::string, std::string> folder_bytes(const std::filesystem::path& folder);
 // Writes a whole file.
 void write_file(const std::filesystem::path& path, const std::string& data);
 // A fixture file of the shared test data.

@@ -41,9 +41,16 @@ public:
 };
 
 // --refresh: the component asks the service even for a disc whose answer it has kept.
-class refresh_answers : public answer_cache_policy {
+// --dry-run: it keeps no new answer, so that the run changes nothing in the profile.
+class cache_flags : public answer_cache_policy {
 public:
-    bool refresh_cached_answers() override { return true; }
+    cache_flags(bool refresh, bool keep) : refresh_(refresh), keep_(keep) {}
+    bool refresh_cached_answers() override { return refresh_; }
+    bool keep_new_answers() override { return keep_; }
+
+private:
+    bool refresh_;
+    bool keep_;
 };
 
 service_ref<tagging_source> musicbrainz_source() {
@@ -136,8 +143,9 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
     if (write_at_once && has_edits(options))
         throw usage_error{"--write takes the release as found; leave it out to correct the release first"};
     session s(globals);
-    if (options.flag("--refresh"))
-        s.host().services().add_instance(answer_cache_policy::class_guid, make_service<refresh_answers>());
+    if (options.flag("--refresh") || options.flag("--dry-run"))
+        s.host().services().add_instance(answer_cache_policy::class_guid,
+                                         make_service<cache_flags>(options.flag("--refresh"), !options.flag("--dry-run")));
     // An enhanced disc's id covers its audio tracks only; they are the ones tagged.
     const track_list tracks = read_album(options).musicbrainz;
     if (tracks.size() > 99)

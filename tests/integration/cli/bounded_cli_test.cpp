@@ -23,18 +23,6 @@ const std::string mb_disc = "pphmFbEaZKk7KDKQ_AKCMVtrjIg-";
 
 bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-// Every file under `folder` with its bytes, leaving out the log and the lock, which any run may
-// touch without changing a setting.
-std::map<std::string, std::string> snapshot(const std::filesystem::path& folder) {
-    std::map<std::string, std::string> files;
-    for (auto& e : std::filesystem::recursive_directory_iterator(folder)) {
-        const std::string name = e.path().filename().string();
-        if (e.is_regular_file() && name != "console.log" && name != "lock")
-            files[std::filesystem::relative(e.path(), folder).string()] = read_file(e.path());
-    }
-    return files;
-}
-
 struct fault_case {
     const char* cddb_fault;
     const char* musicbrainz_fault;  // empty: the fault means nothing to the web service
@@ -84,8 +72,8 @@ TEST_P(bounded_cli, every_command_fails_in_time_naming_the_server_and_changes_no
     };
     if (*c.musicbrainz_fault) commands.push_back({{"musicbrainz", album.string(), "--write"}, true});
 
-    const auto files_before = snapshot(music.path());
-    const auto profile_before = snapshot(profile.path());
+    const auto files_before = folder_bytes(music.path());
+    const auto profile_before = folder_bytes(profile.path());
     for (auto& cmd : commands) {
         const std::string name = cmd.args[0] + " " + cmd.args[1];
         const auto start = std::chrono::steady_clock::now();
@@ -98,8 +86,8 @@ TEST_P(bounded_cli, every_command_fails_in_time_naming_the_server_and_changes_no
         if (!(c.found_by_the_reader && cmd.direct)) {
             EXPECT_TRUE(contains(r.err, origin)) << name << ": " << r.err;
         }
-        EXPECT_TRUE(snapshot(music.path()) == files_before) << name << " changed a file of the album";
-        EXPECT_TRUE(snapshot(profile.path()) == profile_before) << name << " changed the profile";
+        EXPECT_TRUE(folder_bytes(music.path()) == files_before) << name << " changed a file of the album";
+        EXPECT_TRUE(folder_bytes(profile.path()) == profile_before) << name << " changed the profile";
     }
 }
 

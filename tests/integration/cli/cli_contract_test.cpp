@@ -34,9 +34,9 @@ const std::string server_fields = R"("server":"","protocol":"","port":"","addres
 struct contract_row {
     std::vector<std::string> args;
     int exit_code;
-    std::string err_has;       // empty: anything
-    std::string out_has;       // empty: anything
-    std::string json_shape;    // empty: stdout is not JSON
+    std::string err_has = {};     // empty: anything
+    std::string out_has = {};     // empty: anything
+    std::string json_shape = {};  // empty: stdout is not JSON
     std::vector<std::string> env = {};
 };
 

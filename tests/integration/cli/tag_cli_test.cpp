@@ -38,12 +38,6 @@ struct tag_cli : ::testing::Test {
         make_album(folder, fixture_disc_lengths("12025d03"), format);
         return folder;
     }
-    // Every file of the folder by name, with its bytes.
-    static std::map<std::string, std::string> file_bytes(const std::filesystem::path& folder) {
-        std::map<std::string, std::string> out;
-        for (auto& f : std::filesystem::directory_iterator(folder)) out[f.path().filename().string()] = read_file(f.path());
-        return out;
-    }
     // "name=value" lines of `show` for each file, sorted within the file.
     std::vector<std::vector<std::string>> shown(const std::filesystem::path& folder) {
         auto r = run({"show", folder.string()});
@@ -141,12 +135,10 @@ TEST_F(tag_cli, wipe_and_keep_decide_one_run_and_config_wipe_the_runs_after) {
         auto lines = independent_tag_lines(first);
         return std::find(lines.begin(), lines.end(), "MOOD=calm") != lines.end();
     };
-    auto profile_files = [&] {
-        std::map<std::string, std::string> files;
-        // The undo journal is the record of the writes themselves, not a setting.
-        for (auto& entry : std::filesystem::recursive_directory_iterator(profile.path()))
-            if (entry.is_regular_file() && entry.path().string().find("/journal/") == std::string::npos)
-                files[entry.path().string()] = read_file(entry.path());
+    // The profile less the undo journal, which records the writes themselves.
+    auto settings = [&] {
+        auto files = folder_bytes(profile.path());
+        std::erase_if(files, [](const auto& f) { return f.first.rfind("journal/", 0) == 0; });
         return files;
     };
     auto tag = [&](std::vector<std::string> flags) {
@@ -156,10 +148,13 @@ TEST_F(tag_cli, wipe_and_keep_decide_one_run_and_config_wipe_the_runs_after) {
     };
 
     mark();
-    const auto profile_before = profile_files();
-    for (auto flags : {std::vector<std::string>{"--keep"}, {"--wipe", "--dry-run"}, {"--keep", "--dry-run"}}) tag(flags);
+    const auto settings_before = settings();
+    tag({"--keep"});
+    const auto profile_before = folder_bytes(profile.path());
+    for (auto flags : {std::vector<std::string>{"--wipe", "--dry-run"}, {"--keep", "--dry-run"}}) tag(flags);
+    EXPECT_EQ(folder_bytes(profile.path()), profile_before) << "a dry run changed the profile";
     EXPECT_TRUE(marked());
-    EXPECT_EQ(profile_files(), profile_before) << "a run's flags changed the profile";
+    EXPECT_EQ(settings(), settings_before) << "--keep changed the settings";
     tag({});
     EXPECT_FALSE(marked()) << "a plain run after --keep did not wipe (the saved default)";
 
@@ -167,21 +162,21 @@ TEST_F(tag_cli, wipe_and_keep_decide_one_run_and_config_wipe_the_runs_after) {
     mark();
     tag({});
     EXPECT_TRUE(marked()) << "a plain run after config wipe off wiped";
-    const auto profile_off = profile_files();
+    const auto settings_off = settings();
     tag({"--wipe"});
     EXPECT_FALSE(marked());
-    EXPECT_EQ(profile_files(), profile_off) << "--wipe changed the profile";
+    EXPECT_EQ(settings(), settings_off) << "--wipe changed the settings";
     EXPECT_EQ(run({"config", "wipe"}).out, "off\n");
 }
 
 TEST_F(tag_cli, a_read_only_file_is_named_and_no_file_of_the_album_changes) {
     auto folder = album(audio_format::flac);
     chmod((folder / "Track 02.flac").c_str(), 0444);
-    const auto before = file_bytes(folder);
+    const auto before = folder_bytes(folder);
     auto r = run({"tag", folder.string(), "--match", "1"});
     EXPECT_EQ(r.exit_code, 2);
     EXPECT_NE(r.err.find("Track 02.flac"), std::string::npos) << r.err;
-    EXPECT_EQ(file_bytes(folder), before);
+    EXPECT_EQ(folder_bytes(folder), before);
 }
 
 // The road back: a wipe removes what the match does not set (a cover, ReplayGain, the user's
@@ -195,7 +190,7 @@ TEST_F(tag_cli, undo_after_a_wipe_gives_back_every_byte_cover_art_included) {
     auto mp3 = album(audio_format::mp3);
     for (auto& f : std::filesystem::directory_iterator(mp3))
         run_audio_tool({"mid3v2", "--TXXX", "REPLAYGAIN_TRACK_GAIN:-6.1 dB", "--picture", (music / "cover.png").string(), f.path().string()});
-    const auto flac_before = file_bytes(flac), mp3_before = file_bytes(mp3);
+    const auto flac_before = folder_bytes(flac), mp3_before = folder_bytes(mp3);
     const auto flac_lines = independent_tag_lines(flac / "Track 01.flac"), mp3_lines = independent_tag_lines(mp3 / "Track 01.mp3");
 
     for (auto& folder : {flac, mp3}) {
@@ -205,18 +200,18 @@ TEST_F(tag_cli, undo_after_a_wipe_gives_back_every_byte_cover_art_included) {
         std::transform(preview.begin(), preview.end(), preview.begin(), [](unsigned char c) { return std::tolower(c); });
         EXPECT_NE(preview.find("replaygain_track_gain: removed \"-6.1 db\""), std::string::npos) << "the preview names what goes: " << r.err;
     }
-    EXPECT_NE(file_bytes(flac), flac_before);
+    EXPECT_NE(folder_bytes(flac), flac_before);
     auto listed = run({"undo", "--list", "--json"});
     EXPECT_NE(listed.out.find("\"number\":2"), std::string::npos) << listed.out;
     EXPECT_NE(listed.out.find("\"complete\":true"), std::string::npos) << listed.out;
 
     auto last = run({"undo"});  // the MP3 album's run
     ASSERT_EQ(last.exit_code, 0) << last.err;
-    EXPECT_EQ(file_bytes(mp3), mp3_before);
-    EXPECT_NE(file_bytes(flac), flac_before);
+    EXPECT_EQ(folder_bytes(mp3), mp3_before);
+    EXPECT_NE(folder_bytes(flac), flac_before);
     auto first = run({"undo", "1"});
     ASSERT_EQ(first.exit_code, 0) << first.err;
-    EXPECT_EQ(file_bytes(flac), flac_before);
+    EXPECT_EQ(folder_bytes(flac), flac_before);
     EXPECT_EQ(independent_tag_lines(flac / "Track 01.flac"), flac_lines);
     EXPECT_EQ(independent_tag_lines(mp3 / "Track 01.mp3"), mp3_lines);
 }
@@ -224,13 +219,13 @@ TEST_F(tag_cli, undo_after_a_wipe_gives_back_every_byte_cover_art_included) {
 // A file changed by someone else after the run is left alone, unless forced.
 TEST_F(tag_cli, undo_leaves_a_file_changed_since_alone_unless_forced) {
     auto folder = album(audio_format::flac);
-    const auto before = file_bytes(folder);
+    const auto before = folder_bytes(folder);
     ASSERT_EQ(run({"tag", folder.string(), "--match", "1", "--wipe"}).exit_code, 0);
     run_audio_tool({"metaflac", "--set-tag=MOOD=changed later", (folder / "Track 03.flac").string()});
     auto r = run({"undo"});
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_NE(r.err.find("Track 03.flac: changed since"), std::string::npos) << r.err;
-    auto now = file_bytes(folder);
+    auto now = folder_bytes(folder);
     EXPECT_EQ(now.at("Track 01.flac"), before.at("Track 01.flac"));
     EXPECT_NE(now.at("Track 03.flac"), before.at("Track 03.flac"));
     ASSERT_EQ(run({"undo", "1", "--force"}).exit_code, 0);
@@ -241,7 +236,7 @@ TEST_F(tag_cli, undo_leaves_a_file_changed_since_alone_unless_forced) {
 // On a terminal the command asks; any answer but "y" writes nothing.
 TEST_F(tag_cli, on_a_terminal_an_answer_other_than_y_writes_nothing) {
     auto folder = album(audio_format::flac);
-    const auto before = file_bytes(folder);
+    const auto before = folder_bytes(folder);
     const char* answer_on_a_terminal = R"(
 import os, pty, sys
 pid, fd = pty.fork()
@@ -266,7 +261,7 @@ sys.exit(os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]))
     EXPECT_EQ(r.exit_code, 1) << r.out;
     EXPECT_NE(r.out.find("title: added \"I'm Your Puppet\""), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("Write these tags to 3 files? [y/N]"), std::string::npos) << r.out;
-    EXPECT_EQ(file_bytes(folder), before);
+    EXPECT_EQ(folder_bytes(folder), before);
 }
 
 TEST_F(tag_cli, a_match_number_beyond_the_matches_is_bad_usage) {

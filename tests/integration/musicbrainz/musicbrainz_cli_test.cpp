@@ -61,9 +61,10 @@ TEST_F(musicbrainz_cli, write_tags_the_album_and_a_second_run_asks_the_service_n
     EXPECT_NE(dry.out.find("\"written\":false"), std::string::npos) << dry.out;
     EXPECT_NE(dry.out.find("{\"field\":\"title\",\"change\":\"added\",\"old\":[],\"new\":[\"Soul Love\"]}"), std::string::npos) << dry.out;
     EXPECT_EQ(read_file(folder / "Track 02.flac"), untagged);
+    EXPECT_TRUE(folder_bytes(profile.path()).empty()) << "the dry run kept something in the profile";
     auto first = run({"musicbrainz", folder.string(), "--write"});
     ASSERT_EQ(first.exit_code, 0) << first.err;
-    EXPECT_EQ(requests_for(ziggy_disc1), 1u);
+    EXPECT_EQ(requests_for(ziggy_disc1), 2u);
 
     const lines track1 = independent_tag_lines(folder / "Track 01.flac");
     for (const char* line : {"ALBUM=The Rise and Fall of Ziggy Stardust and the Spiders From Mars", "ALBUMARTIST=David Bowie",
@@ -76,7 +77,7 @@ TEST_F(musicbrainz_cli, write_tags_the_album_and_a_second_run_asks_the_service_n
 
     auto second = run({"musicbrainz", folder.string(), "--write", "--json"});
     ASSERT_EQ(second.exit_code, 0) << second.err;
-    EXPECT_EQ(requests_for(ziggy_disc1), 1u);
+    EXPECT_EQ(requests_for(ziggy_disc1), 2u);
     EXPECT_NE(second.out.find("\"disc_id\":\"" + ziggy_disc1 + "\""), std::string::npos) << second.out;
     EXPECT_NE(second.out.find("\"disc_number\":1,\"total_discs\":2"), std::string::npos) << second.out;
 }
