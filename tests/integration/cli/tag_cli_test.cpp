@@ -169,14 +169,47 @@ TEST_F(tag_cli, wipe_and_keep_decide_one_run_and_config_wipe_the_runs_after) {
     EXPECT_EQ(run({"config", "wipe"}).out, "off\n");
 }
 
-TEST_F(tag_cli, a_read_only_file_is_named_and_no_file_of_the_album_changes) {
-    auto folder = album(audio_format::flac);
-    chmod((folder / "Track 02.flac").c_str(), 0444);
-    const auto before = folder_bytes(folder);
-    auto r = run({"tag", folder.string(), "--match", "1"});
-    EXPECT_EQ(r.exit_code, 2);
-    EXPECT_NE(r.err.find("Track 02.flac"), std::string::npos) << r.err;
-    EXPECT_EQ(folder_bytes(folder), before);
+// A file that cannot be replaced: the command names it, fails with status 2 and leaves every file
+// of the album as it was. The folder cases need a small file system of their own (mounting as root).
+TEST_F(tag_cli, a_file_that_cannot_be_written_is_named_and_no_file_of_the_album_changes) {
+    struct where_case {
+        const char* name;
+        const char* named;  // what the error must say
+    };
+    for (const where_case& c : {where_case{"read-only file", "Track 02.flac is read-only"},
+                                where_case{"read-only folder", "Track 01.flac is read-only"},
+                                where_case{"full disk", "Disk full: write "}}) {
+        SCOPED_TRACE(c.name);
+        const std::string kind = c.name;
+        const auto mount_point = music / kind.substr(kind.find(' ') + 1);
+        std::filesystem::create_directories(mount_point);
+        struct unmount {
+            std::filesystem::path at;
+            bool mounted = false;
+            ~unmount() {
+                if (mounted) run_program({"/usr/bin/umount", at.string()});
+            }
+        } mounted{mount_point};
+        if (kind != "read-only file") {
+            if (run_program({"/usr/bin/mount", "-t", "tmpfs", "-o", "size=2m", "tmpfs", mount_point.string()}).exit_code != 0)
+                GTEST_SKIP() << "the folder cases mount a tmpfs, which needs root";
+            mounted.mounted = true;
+        }
+        const auto folder = mount_point / "album";
+        make_album(folder, fixture_disc_lengths("12025d03"), audio_format::flac);
+        // No padding: the new tags need the whole file rewritten beside the old one.
+        for (auto& f : std::filesystem::directory_iterator(folder))
+            run_audio_tool({"metaflac", "--remove", "--block-type=PADDING", "--dont-use-padding", f.path().string()});
+        if (kind == "read-only file") chmod((folder / "Track 02.flac").c_str(), 0444);
+        if (kind == "read-only folder") run_program({"/usr/bin/mount", "-o", "remount,ro", mount_point.string()});
+        if (kind == "full disk") write_file(mount_point / "filler", std::string(4 << 20, 'x'));  // fills what is left
+        const auto before = folder_bytes(folder);
+        auto r = run({"tag", folder.string(), "--match", "1"});
+        EXPECT_EQ(r.exit_code, 2) << r.err;
+        EXPECT_NE(r.err.find(c.named), std::string::npos) << r.err;
+        EXPECT_NE(r.err.find("no file was changed"), std::string::npos) << r.err;
+        EXPECT_EQ(folder_bytes(folder), before);
+    }
 }
 
 // The road back: a wipe removes what the match does not set (a cover, ReplayGain, the user's
