@@ -4,11 +4,19 @@
 #include "service.h"
 #include "track.h"
 
+// How a tool's work ended: done (the review dialog opened, or the tags were written),
+// nothing_found (the service has no match; the user was told), failed (the user was told why),
+// aborted (by the user).
+enum class tagging_outcome { done, nothing_found, failed, aborted };
+
 // Told whether a tool finished its work (false on abort or failure).
 class tagging_done : public service_base {
     TUNEHALL_SERVICE_CLASS(service_base, {0x9d4cdd9b, 0x86cb, 0x466b, {0x83, 0xed, 0x47, 0xf9, 0xdc, 0x9a, 0xe2, 0x3d}})
 public:
     virtual void on_done(bool success) = 0;
+    // The same with the reason. Tools call this; a host that needs only success or failure
+    // implements on_done alone.
+    virtual void on_outcome(tagging_outcome outcome) { on_done(outcome == tagging_outcome::done); }
 };
 
 class tagging_source : public service_base {

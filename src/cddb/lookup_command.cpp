@@ -22,16 +22,16 @@ public:
     }
 };
 
-// The same lookup for the host's tagging tools. The tool reports success when the tagger
-// dialog opened; an abort or an empty result reports false.
+// The same lookup for the host's tagging tools. The tool reports done when the tagger dialog
+// opened.
 class discora_tool : public tagging_source {
 public:
     const char* name() override { return "discora"; }
     int icon_id() override { return 110; }
     double weight() override { return 1.0; }
     void lookup(const track_list& tracks, HWND parent, service_ref<tagging_done> done) override {
-        start_lookup(tracks, parent, [done](bool found) {
-            if (done) done->on_done(found);
+        start_lookup(tracks, parent, [done](tagging_outcome outcome) {
+            if (done) done->on_outcome(outcome);
         });
     }
     // A CDDB match always goes through the dialog: there is no write-at-once form.

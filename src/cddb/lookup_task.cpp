@@ -96,7 +96,7 @@ void lookup_task::on_done(HWND parent, bool aborted) {
         const std::string text = no_information_message(state_->tracks);
         host_service<popup_message_v3>()->messageBoxAsync(parent, text.c_str(), "discora tagger", popup_message_v3::mb_ok, {});
     }
-    if (done_) done_(found);
+    if (done_) done_(aborted ? tagging_outcome::aborted : found ? tagging_outcome::done : tagging_outcome::nothing_found);
 }
 
 void start_lookup(const track_list& tracks, HWND parent, lookup_task::done_callback done) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include <tunehall/tagging_source.h>
 #include <tunehall/threaded_process.h>
 
 #include "cddb/lookup_state.h"
@@ -13,9 +14,9 @@
 
 class lookup_task : public threaded_process_task {
 public:
-    // Called once on the main thread when the lookup ended: whether it found anything (false
-    // also when aborted).
-    using done_callback = std::function<void(bool found)>;
+    // Called once on the main thread when the lookup ended: done (the tagger dialog opened),
+    // nothing_found or aborted.
+    using done_callback = std::function<void(tagging_outcome)>;
 
     // Reads the server list and opens a connection per server; a server whose connection
     // cannot be opened is skipped without a message.

@@ -31,6 +31,13 @@ void musicbrainz_task::run(threaded_process_status&, abort_source& abort) {
         // The host knows; the user is not told what they did themselves.
         state_ = failed;
         throw;
+    } catch (const musicbrainz_no_match& e) {
+        failure_ = e.what();
+        state_ = nothing_found;
+    } catch (const tunehall_io::exception_io_not_found& e) {
+        // The service knows neither the disc id nor its table of contents.
+        failure_ = e.what();
+        state_ = nothing_found;
     } catch (const std::exception& e) {
         failure_ = e.what();
         state_ = failed;
@@ -47,12 +54,15 @@ void musicbrainz_task::on_done(HWND parent, bool aborted) {
             }
         } catch (const std::exception& e) {
             show_musicbrainz_failure(parent, e.what());
-            if (done_) done_->on_done(false);
+            if (done_) done_->on_outcome(tagging_outcome::failed);
         }
         return;
     }
     if (!aborted && !failure_.empty()) show_musicbrainz_failure(parent, failure_);
-    if (done_) done_->on_done(false);
+    if (done_)
+        done_->on_outcome(aborted                    ? tagging_outcome::aborted
+                          : state_ == nothing_found ? tagging_outcome::nothing_found
+                                                    : tagging_outcome::failed);
 }
 
 void show_musicbrainz_failure(HWND parent, const std::string& message) {

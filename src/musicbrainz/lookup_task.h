@@ -14,8 +14,8 @@
 
 class musicbrainz_task : public threaded_process_task {
 public:
-    // `done` (may be empty) hears once whether tags were written (or, interactively, whether the
-    // user saved the dialog).
+    // `done` (may be empty) hears once how it ended: tags written (or, interactively, the dialog
+    // saved), no match, a failure or an abort.
     musicbrainz_task(const track_list& tracks, bool interactive, service_ref<tagging_done> done);
 
     void run(threaded_process_status& status, abort_source& abort) override;
@@ -26,7 +26,7 @@ public:
     const std::string& failure() const { return failure_; }
 
 private:
-    enum state : int { pending, succeeded, failed };
+    enum state : int { pending, succeeded, nothing_found, failed };
 
     track_list tracks_;
     bool interactive_;

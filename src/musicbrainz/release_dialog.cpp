@@ -153,7 +153,7 @@ void release_dialog::finish(bool report) {
     view_->destroy();
     service_ref<tagging_done> done = std::move(done_);
     delete this;
-    if (done && report) done->on_done(false);
+    if (done && report) done->on_outcome(tagging_outcome::aborted);
 }
 
 table_edit_helper* release_dialog::editor_for(int list, std::size_t row) {

@@ -25,7 +25,10 @@ class update_reporter : public completion_notification {
 public:
     explicit update_reporter(service_ref<tagging_done> done) : done_(std::move(done)) {}
     void on_completion(std::uint32_t task_id, std::uint32_t result) override {
-        if (task_id == musicbrainz_update_task_id && done_) done_->on_done(result == result_success);
+        if (task_id != musicbrainz_update_task_id || !done_) return;
+        done_->on_outcome(result == result_success   ? tagging_outcome::done
+                          : result == result_aborted ? tagging_outcome::aborted
+                                                     : tagging_outcome::failed);
     }
 
 private:

@@ -32,6 +32,14 @@ void disc_title_parts(const disc_record& record, std::string& artist, std::strin
     album.assign(parts.album);
 }
 
+std::string match_label(const disc_record& record) {
+    std::string artist, album;
+    disc_title_parts(record, artist, album);
+    return artist + " / " + album + " (" + record.get_field(disc_record::category) + ")";
+}
+
+bool fits_album(const disc_record& record, std::size_t track_count) { return record.get_track_count() == track_count; }
+
 void load_match_into_dialog(const disc_record& record, dialog_view& view) {
     using namespace tagger_controls;
     std::string disc_artist, disc_album;

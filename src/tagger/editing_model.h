@@ -16,6 +16,12 @@ bool split_artist_title(std::string_view text, std::string& first, std::string& 
 // The disc artist and album of `record`'s DTITLE; without a separator both are the whole title.
 void disc_title_parts(const disc_record& record, std::string& artist, std::string& album);
 
+// A match as the matches list shows it: "Artist / Album (category)".
+std::string match_label(const disc_record& record);
+
+// Whether `record` can be written to an album of `track_count` files: one track per file.
+bool fits_album(const disc_record& record, std::size_t track_count);
+
 // Fills the disc edits, the various-artists box and the Title and Comment cells of the track
 // rows below the record's track count (other rows keep their text).
 void load_match_into_dialog(const disc_record& record, dialog_view& view);

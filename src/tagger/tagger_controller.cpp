@@ -147,12 +147,8 @@ void tagger_dialog::fill_matches() {
                                 server.label + " (" + std::to_string(server.records.size()) + " matches)");
         }
         if (server.records.empty()) view.list_add_row(matches, "No matches found", 0, group);
-        for (disc_record& record : server.records) {
-            std::string artist, album;
-            disc_title_parts(record, artist, album);
-            std::string label = artist + " / " + album + " (" + record.get_field(disc_record::category) + ")";
-            view.list_add_row(matches, label, reinterpret_cast<std::intptr_t>(&record), group);
-        }
+        for (disc_record& record : server.records)
+            view.list_add_row(matches, match_label(record), reinterpret_cast<std::intptr_t>(&record), group);
     }
 }
 
@@ -164,7 +160,7 @@ void tagger_dialog::write_match() {
     }
     // What is written is what the controls show, an in-place edit just finished included.
     match_->store();
-    if (record->get_track_count() != state_->tracks.size()) {
+    if (!fits_album(*record, state_->tracks.size())) {
         console_print("Error: track count mismatch");
         return;
     }

@@ -1,12 +1,10 @@
-// `tessellon lookup`: runs "Get tags from discora" on the album, as the player's context menu
-// would, and prints what every server found, grouped by server as the tagger dialog lists it.
+// `tessellon lookup`: runs the component's "discora" tagging source on the album, as the player's
+// tagging tools would, and prints what every server found, grouped by server as the tagger dialog
+// lists it.
 
 #include <cstdio>
 
-#include <tunehall/menu_command.h>
-
 #include "cddb/lookup_task.h"
-#include "cddb/xmcd_parser.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/interrupt.h"
@@ -15,6 +13,7 @@
 #include "cli/session.h"
 #include "cli/track_input.h"
 #include "config/settings.h"
+#include "tagger/editing_model.h"
 
 namespace tessellon_cli {
 
@@ -53,35 +52,26 @@ bool report_failed_servers(const session& s) {
 
 } // namespace
 
-std::string match_label(const disc_record& record) {
-    artist_and_album parts = split_dtitle(record.get_field(disc_record::dtitle));
-    return std::string(parts.artist) + " / " + std::string(parts.album) + " (" + record.get_field(disc_record::category) + ")";
+service_ref<tagging_source> component_tagging_source(const char* name) {
+    for (auto& s : all_services<tagging_source>())
+        if (std::string(s->name()) == name) return s;
+    throw tunehall_io::exception_io(std::string("The component offers no ") + name + " tagging source");
 }
 
 lookup_outcome run_lookup(session& s, const track_list& tracks, service_ref<lookup_state>& result, bool catch_result) {
     if (catch_result) s.host().services().add_instance(tagger_dialog_factory::class_guid, make_service<result_catcher>(result));
-    std::size_t popups_before = s.host().popups().popups().size();
+    auto done = make_service<outcome_catcher>();
     {
         interrupt_scope ctrl_c(&s.host().tasks());
-        bool ran = false;
-        for (auto& c : all_services<menu_command>())
-            for (std::size_t i = 0; i < c->command_count() && !ran; ++i)
-                if (std::string(c->command_name(i)) == "Get tags from discora") {
-                    c->command_execute(i, tracks, nullptr);
-                    ran = true;
-                }
-        if (!ran) throw tunehall_io::exception_io("The component offers no \"Get tags from discora\" command");
+        // The lookup runs modally: it has ended, and said how, when this returns.
+        component_tagging_source("discora")->lookup(tracks, nullptr, done);
     }
-    // An aborted lookup shows nothing; one that found nothing says so; otherwise the result went
-    // to the tagger dialog.
-    if (interrupt_scope::interrupted()) return lookup_outcome::aborted;
+    if (interrupt_scope::interrupted() || done->outcome == tagging_outcome::aborted) return lookup_outcome::aborted;
     const bool every_server_failed = report_failed_servers(s);
-    if (s.host().popups().popups().size() > popups_before) {
-        if (only_placeholder_server(load_server_list()))
-            std::fputs("tessellon: no discora server is set up yet; add one with: tessellon servers add HOST PORT ADDRESS DESCRIPTION\n", stderr);
-        return every_server_failed ? lookup_outcome::every_server_failed : lookup_outcome::nothing_found;
-    }
-    return lookup_outcome::found;
+    if (done->outcome == tagging_outcome::done) return lookup_outcome::found;
+    if (only_placeholder_server(load_server_list()))
+        std::fputs("tessellon: no discora server is set up yet; add one with: tessellon servers add HOST PORT ADDRESS DESCRIPTION\n", stderr);
+    return every_server_failed ? lookup_outcome::every_server_failed : lookup_outcome::nothing_found;
 }
 
 int run_lookup_command(const global_options& globals, const arguments& args) {

@@ -15,6 +15,7 @@
 #include "cli/dialog_input.h"
 #include "cli/interrupt.h"
 #include "cli/json_writer.h"
+#include "cli/lookup_result.h"
 #include "cli/session.h"
 #include "cli/track_input.h"
 #include "musicbrainz/cache.h"
@@ -34,12 +35,6 @@ using namespace release_dialog_controls;
 constexpr int track_rows = release_dialog_controls::tracks;  // `tracks` here are the album's files
 constexpr const char* dialog_title = "MusicBrainz Lookup";
 
-class done_flag : public tagging_done {
-public:
-    void on_done(bool success) override { result = success; }
-    std::optional<bool> result;
-};
-
 // --refresh: the component asks the service even for a disc whose answer it has kept.
 // --dry-run: it keeps no new answer, so that the run changes nothing in the profile.
 class cache_flags : public answer_cache_policy {
@@ -52,12 +47,6 @@ private:
     bool refresh_;
     bool keep_;
 };
-
-service_ref<tagging_source> musicbrainz_source() {
-    for (auto& s : all_services<tagging_source>())
-        if (std::string(s->name()) == "MusicBrainz") return s;
-    throw tunehall_io::exception_io("The component offers no MusicBrainz tagging source");
-}
 
 std::string release_text(const std::string& disc_id, const musicbrainz_release& r) {
     std::string out = "MusicBrainz disc id: " + disc_id + "\nTitle:  " + r.title + "\nArtist: " +
@@ -152,9 +141,8 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
         throw usage_error{"a MusicBrainz disc id covers 1 to 99 tracks; " + std::to_string(tracks.size()) + " were given"};
     const std::string disc_id = compute_musicbrainz_disc_id(tracks);
     hostkit::window_list& windows = s.host().windows();
-    const std::size_t popups_before = s.host().popups().popups().size();
     const std::size_t windows_before = windows.open().size();
-    auto done = make_service<done_flag>();
+    auto done = make_service<outcome_catcher>();
     std::optional<musicbrainz_release> shown;
     const write_choice choice{options.flag("--dry-run"), options.flag("--yes"), options.flag("--json"), ""};
     s.tag_update().set_gate(make_write_gate(choice));
@@ -162,14 +150,14 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
 
     {
         interrupt_scope ctrl_c(&s.host().tasks());
-        auto source = musicbrainz_source();
+        auto source = component_tagging_source("MusicBrainz");
         auto idle = [&] { return s.host().tasks().running() == 0; };
         if (write_at_once) {
             source->lookup_write(tracks, windows.main_window(), done);
-            s.host().queue().run_until([&] { return done->result.has_value() && idle(); });
+            s.host().queue().run_until([&] { return done->outcome.has_value() && idle(); });
         } else {
             source->lookup(tracks, windows.main_window(), done);
-            s.host().queue().run_until([&] { return done->result.has_value() || windows.open().size() > windows_before; });
+            s.host().queue().run_until([&] { return done->outcome.has_value() || windows.open().size() > windows_before; });
             if (windows.open().size() > windows_before) {
                 headless_view* view = headless_view::from_handle(windows.open().back().handle);
                 if (!view || view->title() != dialog_title)
@@ -192,7 +180,7 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
                     throw usage_error{std::string("--disc: ") + e.what() + " (expected N/M)"};
                 }
                 view->click(save_button);
-                s.host().queue().run_until([&] { return done->result.has_value() && idle(); });
+                s.host().queue().run_until([&] { return done->outcome.has_value() && idle(); });
             }
         }
     }
@@ -200,13 +188,9 @@ int run_musicbrainz(const global_options& globals, const arguments& args) {
     const auto& result = s.tag_update().last_result();
     if (!result && interrupt_scope::interrupted()) return exit_nothing;
     if (!result) {
-        // No update ran: the component told the user through a popup (on stderr); "nothing
-        // found" is not a failure of the program.
-        auto popups = s.host().popups().popups();
-        // A disc the service does not know is answered with 404 (not found).
-        const std::string said = popups.size() > popups_before ? popups.back().message : "";
-        const bool no_match = said.ends_with("No matching entry") || said.find("failed: 404") != std::string::npos;
-        return no_match ? exit_nothing : exit_failure;
+        // No update ran: the component told the user why (on stderr); "nothing found" is not a
+        // failure of the program.
+        return done->outcome == tagging_outcome::nothing_found ? exit_nothing : exit_failure;
     }
     if (!shown) {
         // The write-at-once entry shows nothing: the release is the one its tags carry, and the

@@ -19,6 +19,7 @@
 #include "cli/lookup_result.h"
 #include "cli/session.h"
 #include "cli/track_input.h"
+#include "tagger/editing_model.h"
 #include "tagger/tagger_controls.h"
 #include "cli/write_preview.h"
 #include "ui/headless/headless_view.h"
@@ -128,11 +129,20 @@ int run_tag(const global_options& globals, const arguments& args) {
     if (options.flag("--wipe")) set_check(*view, wipe_check, true);
     if (options.flag("--keep")) set_check(*view, wipe_check, false);
 
+    // The dialog would refuse a match whose track count differs from the album's (on its console).
+    if (auto row = view->list_selection(matches_list)) {
+        const auto* record = reinterpret_cast<const disc_record*>(view->list_row_data(matches_list, *row));
+        if (record && !fits_album(*record, tracks.size())) {
+            std::fprintf(stderr, "tessellon: the match has %zu tracks and the album %zu files; nothing written\n",
+                         record->get_track_count(), tracks.size());
+            return exit_failure;
+        }
+    }
+
     write_choice choice{options.flag("--dry-run"), options.flag("--yes"), options.flag("--json"),
                         view->get_check(wipe_check) == 1 ? "wipe" : "keep"};
     s.tag_update().set_gate(make_write_gate(choice));
     s.tag_files().describe_run(command_text("tag", args), album_text(tracks));
-    std::size_t console_before = s.host().console().lines().size();
     {
         interrupt_scope ctrl_c(&s.host().tasks());
         view->click(update_button);
@@ -144,12 +154,7 @@ int run_tag(const global_options& globals, const arguments& args) {
         });
     }
     const auto& result = s.tag_update().last_result();
-    if (!result) {
-        auto lines = s.host().console().lines();
-        if (std::find(lines.begin() + static_cast<long>(console_before), lines.end(), "Error: track count mismatch") != lines.end())
-            std::fprintf(stderr, "tessellon: the match has a different number of tracks than the album\n");
-        return interrupt_scope::interrupted() ? exit_nothing : exit_failure;
-    }
+    if (!result) return interrupt_scope::interrupted() ? exit_nothing : exit_failure;
     if (choice.json) {
         json_writer json;
         json.begin_object().key("mode").value(choice.mode).key("written").value(result->result == hostkit::update_result::outcome::written);
