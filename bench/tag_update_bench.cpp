@@ -227,6 +227,7 @@ private:
         auto peer_b = tag_lines();
         write_peer(0);
         auto peer_a = tag_lines();
+        take_files_as_they_are();
         write_ours(1);
         auto ours_b = tag_lines();
         on_disk_ = 1;
@@ -245,11 +246,18 @@ private:
         }
     }
 
+    // The update refuses a file changed by another writer since the lookup read it; after the
+    // plain loop's writes the album is taken as a new lookup would find it (before timing).
+    void take_files_as_they_are() {
+        for (const track_ref& track : tracks_) note_own_write(track);
+    }
+
     // Runs `write` once per iteration, each time with the variant not on disk, then checks that
     // the files hold the last variant written.
     template <typename Write>
     void alternate(benchmark::State& state, Write write) {
         try {
+            take_files_as_they_are();
             for (auto _ : state) {
                 int next = 1 - on_disk_;
                 write(next);
