@@ -7,7 +7,8 @@ namespace tessellon_cli {
 option_reader::option_reader(const arguments& args, std::set<std::string> flags, std::set<std::string> valued) {
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
-        if (a.size() < 2 || a[0] != '-' || a == "-") {
+        // "-5" is a (bad) number for the command to refuse, not an option.
+        if (a.size() < 2 || a[0] != '-' || a == "-" || (a[1] >= '0' && a[1] <= '9')) {
             positional_.push_back(a);
             continue;
         }

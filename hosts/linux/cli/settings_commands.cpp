@@ -113,6 +113,27 @@ int config_id3(session& s, const option_reader& options) {
     return exit_ok;
 }
 
+int config_wipe(session&, const option_reader& options) {
+    const auto& pos = options.positional();
+    if (pos.size() > 1 || (pos.size() == 1 && pos[0] != "on" && pos[0] != "off"))
+        throw usage_error{"usage: tessellon config wipe [on|off] [--json]"};
+    // The setting the tagger dialog's "Wipe out existing tags." box shows and saves.
+    if (pos.size() == 1) cfg_wipe_existing_tags.set(pos[0] == "on" ? 1 : 0);
+    print_setting(options, "wipe", cfg_wipe_existing_tags.get() != 0 ? "on" : "off");
+    return exit_ok;
+}
+
+// The profile's default for --timeout.
+int config_timeout(session& s, const option_reader& options) {
+    const auto& pos = options.positional();
+    if (pos.size() > 1) throw usage_error{"usage: tessellon config timeout [SECONDS] [--json]"};
+    if (pos.size() == 1) s.host().config().set_int(timeout_setting_key, parse_timeout(pos[0], "config timeout"));
+    const std::int64_t stored = s.host().config().get_int(timeout_setting_key, 0);
+    const auto seconds = stored > 0 ? stored : std::chrono::duration_cast<std::chrono::seconds>(http_request_policy{}.deadline).count();
+    print_setting(options, "timeout", std::to_string(seconds));
+    return exit_ok;
+}
+
 } // namespace
 
 int run_servers(const global_options& globals, const arguments& args) {
@@ -164,42 +185,18 @@ int run_servers(const global_options& globals, const arguments& args) {
     return list_servers(options);
 }
 
-// `config timeout [SECONDS]`: the profile's default for --timeout.
-int config_timeout(const global_options& globals, const arguments& args) {
-    session s(globals, session::component_source::linked, session::settings_use::saved);
-    if (args.size() == 2) s.host().config().set_int(timeout_setting_key, parse_timeout(args[1], "config timeout"));
-    const std::int64_t stored = s.host().config().get_int(timeout_setting_key, 0);
-    const auto seconds = stored > 0 ? stored : std::chrono::duration_cast<std::chrono::seconds>(http_request_policy{}.deadline).count();
-    std::printf("%lld\n", static_cast<long long>(seconds));
-    return exit_ok;
-}
-
 int run_config(const global_options& globals, const arguments& args) {
-    const char* usage =
-        "usage: tessellon config email [ADDRESS] | config id3 [2.3|2.4] | config wipe [on|off] | config timeout [SECONDS]";
-    if (args.size() <= 2 && !args.empty() && args[0] == "timeout") return config_timeout(globals, args);
-    if (args.empty()) throw usage_error{usage};
-    arguments rest(args.begin() + 1, args.end());
-    option_reader options(rest, {"--json"}, {});
-    if (args[0] == "email") {
+    using subcommand = int (*)(session&, const option_reader&);
+    static const std::pair<const char*, subcommand> subcommands[] = {
+        {"email", config_email}, {"id3", config_id3}, {"wipe", config_wipe}, {"timeout", config_timeout}};
+    for (const auto& [name, run] : subcommands) {
+        if (args.empty() || args[0] != name) continue;
+        arguments rest(args.begin() + 1, args.end());
+        option_reader options(rest, {"--json"}, {});
         session s(globals, session::component_source::linked, session::settings_use::saved);
-        return config_email(s, options);
+        return run(s, options);
     }
-    if (args[0] == "id3") {
-        session s(globals, session::component_source::linked, session::settings_use::saved);
-        return config_id3(s, options);
-    }
-    if (args[0] == "wipe") {
-        const auto& pos = options.positional();
-        if (pos.size() > 1 || (pos.size() == 1 && pos[0] != "on" && pos[0] != "off"))
-            throw usage_error{"usage: tessellon config wipe [on|off] [--json]"};
-        session s(globals, session::component_source::linked, session::settings_use::saved);
-        // The setting the tagger dialog's "Wipe out existing tags." box shows and saves.
-        if (pos.size() == 1) cfg_wipe_existing_tags.set(pos[0] == "on" ? 1 : 0);
-        print_setting(options, "wipe", cfg_wipe_existing_tags.get() != 0 ? "on" : "off");
-        return exit_ok;
-    }
-    throw usage_error{usage};
+    throw usage_error{"usage: tessellon config email [ADDRESS] | config id3 [2.3|2.4] | config wipe [on|off] | config timeout [SECONDS]"};
 }
 
 } // namespace tessellon_cli
