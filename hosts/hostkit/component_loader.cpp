@@ -1,44 +1,9 @@
 #include "component_loader.h"
 
+#include "module_loading.h"
 #include "registry.h"
 
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
-
 namespace hostkit {
-
-namespace {
-
-#ifdef _WIN32
-std::wstring widen(const std::string& s) {
-    int n = MultiByteToWideChar(CP_UTF8, 0, s.c_str(), -1, nullptr, 0);
-    std::wstring w(static_cast<std::size_t>(n > 0 ? n - 1 : 0), L'\0');
-    if (n > 1) MultiByteToWideChar(CP_UTF8, 0, s.c_str(), -1, w.data(), n);
-    return w;
-}
-void* load_module(const std::string& path, std::string& error) {
-    HMODULE m = LoadLibraryW(widen(path).c_str());
-    if (!m) error = "Windows error " + std::to_string(GetLastError());
-    return reinterpret_cast<void*>(m);
-}
-void* find_symbol(void* module, const char* name) {
-    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
-}
-void unload_module(void* module) { FreeLibrary(static_cast<HMODULE>(module)); }
-#else
-void* load_module(const std::string& path, std::string& error) {
-    void* m = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!m) error = dlerror();
-    return m;
-}
-void* find_symbol(void* module, const char* name) { return dlsym(module, name); }
-void unload_module(void* module) { dlclose(module); }
-#endif
-
-} // namespace
 
 loaded_component::loaded_component(registry& reg, const std::string& path) : registry_(reg), path_(path) {
     std::string error;
