@@ -69,22 +69,6 @@ TEST(musicbrainz_disc_id, ninety_nine_tracks_are_accepted_and_other_counts_refus
     expect_invalid_argument([] { musicbrainz_disc_id(musicbrainz_toc{}); });
 }
 
-TEST(musicbrainz_disc_id, a_two_second_pregap_moves_every_offset_and_the_lead_out) {
-    const std::vector<double> lengths = {180.0, 240.2, 300.5};
-    track_info info;
-    info.info_set("pregap", "00:02:00");
-    track_list with_pregap = mb_testing::tracks_of(lengths);
-    with_pregap[0] = hostkit::make_plain_track("/music/1.flac", lengths[0], info);
-
-    musicbrainz_toc plain = compute_musicbrainz_toc(mb_testing::tracks_of(lengths));
-    musicbrainz_toc shifted = compute_musicbrainz_toc(with_pregap);
-    EXPECT_EQ(plain.offsets, (std::vector<std::uint64_t>{150, 13650, 31665}));
-    EXPECT_EQ(shifted.offsets, (std::vector<std::uint64_t>{300, 13800, 31815}));
-    EXPECT_EQ(shifted.leadout, plain.leadout + 150);
-    EXPECT_NE(musicbrainz_disc_id(shifted), musicbrainz_disc_id(plain));
-    EXPECT_EQ(compute_musicbrainz_disc_id(lengths, "00:02:00"), musicbrainz_disc_id(shifted));
-}
-
 TEST(musicbrainz_disc_id, an_unreadable_pregap_counts_as_none_on_a_track_but_is_refused_as_an_argument) {
     track_info info;
     info.info_set("pregap", "two seconds");
