@@ -55,12 +55,7 @@ std::string property(const disc_record& r, const std::string& name) {
 }
 
 void expect_data_error(const std::function<void()>& action, const std::string& text) {
-    try {
-        action();
-        ADD_FAILURE() << "no failure, expected " << text;
-    } catch (const tunehall_io::exception_io_data& e) {
-        EXPECT_EQ(std::string(e.what()), text);
-    }
+    EXPECT_EQ(cddb_testing::failure_of(action), (cddb_testing::failure{"data", text}));
 }
 
 TEST(xmcd_entries, every_real_entry_gives_the_toc_and_texts_it_holds) {

@@ -109,16 +109,14 @@ TEST(xml_declaration, is_skipped_with_a_byte_order_mark_and_other_processing_lef
     }
 }
 
-TEST(xml_declaration, refuses_encodings_it_does_not_read) {
+TEST(xml_declaration, refuses_encodings_it_does_not_read_and_malformed_declarations) {
     for (const char* text : {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a/>",
                              "<?xml version=\"1.0\" encoding=\"windows-1252\"?><a/>",
                              "<?xml encoding=\"utf8\"?><a/>"}) {
         std::string_view view = text;
         expect_xml_error([&] { xml::prepare_document(view); }, "Heathen character encodings not supported");
     }
-}
-
-TEST(xml_declaration, malformed_declarations_are_xml_errors) {
+    // Malformed declarations are plain XML errors.
     for (const char* text : {"<?xml version=\"1.0\"", "<?xml version=\"1.0\"?", "<?xml version=\"1.0\"?x<a/>",
                              "<?xml version=1.0?><a/>", "<?xml version\"1.0\"?><a/>", "<?xml 1version=\"1\"?><a/>",
                              "<?xml version=\"1.0?><a/>", "<?xml version=\"1.0'?><a/>", "<?xml v-x=\"1\"?><a/>",
@@ -260,7 +258,7 @@ TEST(xml_tags, a_greater_than_sign_inside_double_quotes_belongs_to_the_value) {
 }
 
 // Each text is the content of an element the lookups scan.
-TEST(xml_tags, malformed_markup_is_an_xml_error) {
+TEST(xml_tags, malformed_markup_is_an_xml_error_but_a_stray_end_tag_ends_the_level) {
     for (const char* text : {"<a x='1'>t</a>",            // single-quoted attribute
                              "<a x=\"1\" x=\"2\">t</a>",  // attribute twice
                              "<a x>t</a>", "<a x=\"1>t</a>", "<a x=\"1\"y=1>t</a>", "<a x=\"&nope;\">t</a>",
@@ -272,9 +270,7 @@ TEST(xml_tags, malformed_markup_is_an_xml_error) {
         parent.content = text;
         expect_xml_error([&] { xml::find_children(parent, "a", ""); });
     }
-}
-
-TEST(xml_tags, a_stray_end_tag_ends_the_level) {
+    // A stray end tag is no error: it ends the level.
     xml::element parent;
     parent.content = "<a>1</a></stray><a>2</a>";
     EXPECT_EQ(xml::find_children(parent, "a", "").size(), 1u);
