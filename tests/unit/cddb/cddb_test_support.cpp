@@ -73,7 +73,6 @@ public:
     ~canned_stream() override { --*open_count_; }
 
     std::size_t read(void* buffer, std::size_t size, abort_source&) override {
-        if (served_ >= answer_.abort_after && answer_.abort_target) answer_.abort_target->abort();
         std::size_t n = std::min(size, answer_.bytes.size() - served_);
         std::memcpy(buffer, answer_.bytes.data() + served_, n);
         served_ += n;
@@ -89,6 +88,21 @@ private:
 };
 
 } // namespace
+
+failure failure_of(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const tunehall_io::exception_aborted& e) {
+        return {"aborted", e.what()};
+    } catch (const tunehall_io::exception_io_not_found& e) {
+        return {"not found", e.what()};
+    } catch (const tunehall_io::exception_io_data& e) {
+        return {"data", e.what()};
+    } catch (const tunehall_io::exception_io& e) {
+        return {"io", e.what()};
+    }
+    return no_failure;
+}
 
 bool canned_http::is_our_path(const char* path) { return std::strncmp(path, "http://", 7) == 0; }
 

@@ -1,12 +1,12 @@
 #pragma once
 // Helpers shared by the CDDB tests: tracks with chosen lengths and info records, an answer held
-// in memory as a byte stream, and a stand-in for the host's HTTP layer that serves prepared
-// answers and records the URLs it was asked for.
+// in memory, how an action failed, and a stand-in for the host's HTTP layer.
 
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -18,20 +18,17 @@
 
 namespace cddb_testing {
 
-// A track of the user's selection.
 class test_track : public track_handle {
 public:
-    // `info` absent: the host has no info record for the track.
+    // Each length() call answers the next of the given lengths, the last one repeating; `info`
+    // absent: the host has no info record for the track.
     test_track(std::vector<double> lengths_per_read, std::optional<track_info> info)
         : lengths_(std::move(lengths_per_read)), info_(std::move(info)) {}
 
     const char* path() const override { return ""; }
     std::uint32_t subsong() const override { return 0; }
-    // Each call answers the next of the given lengths, the last one repeating.
     double length() const override;
     bool get_info(track_info& out) const override;
-
-    std::size_t length_reads() const { return reads_; }
 
 private:
     std::vector<double> lengths_;
@@ -41,10 +38,9 @@ private:
 
 // Tracks of the given lengths; the first has an info record with `pregap` (no field when null).
 track_list tracks_of(const std::vector<double>& lengths, const char* pregap = nullptr);
-// The same, but the host has no info record for the first track.
+// The same, but the host has no info record for any track.
 track_list tracks_without_info(const std::vector<double>& lengths);
 
-// Bytes held in memory, read in chunks of at most `chunk` bytes.
 class memory_reader final : public stream_reader {
 public:
     explicit memory_reader(std::string bytes) : bytes_(std::move(bytes)) {}
@@ -61,22 +57,26 @@ std::string fixture_bytes(const std::string& relative);
 // Feeds `answer` through the real line splitter into `handler`.
 void feed_answer(response_handler& handler, const std::string& answer);
 
-// Stands in for the host's HTTP layer: answers every http:// URL with the next prepared answer
-// (or an i/o failure), and can trip an abort source after a number of bytes.
+// How an action ended: kind "none", or "aborted", "not found", "data", "io" and the text.
+struct failure {
+    std::string kind;
+    std::string text;
+    bool operator==(const failure&) const = default;
+};
+inline void PrintTo(const failure& f, std::ostream* os) { *os << f.kind << ": " << f.text; }
+failure failure_of(const std::function<void()>& action);
+inline const failure no_failure{"none", ""};
+
+// Stands in for the host's HTTP layer: answers every http:// URL with the next prepared answer,
+// or raises tunehall_io::exception_io with the prepared failure text.
 class canned_http : public filesystem {
 public:
     struct answer {
         std::string bytes;
-        std::optional<std::string> failure;  // raised by open as tunehall_io::exception_io
-        std::size_t abort_after = static_cast<std::size_t>(-1);
-        abort_source_impl* abort_target = nullptr;
+        std::optional<std::string> failure;
     };
 
-    void push(std::string bytes) {
-        answer a;
-        a.bytes = std::move(bytes);
-        answers_.push_back(std::move(a));
-    }
+    void push(std::string bytes) { answers_.push_back({std::move(bytes), std::nullopt}); }
     void push(answer a) { answers_.push_back(std::move(a)); }
     const std::vector<std::string>& urls() const { return urls_; }
     // How many opened streams are still held by someone.

@@ -39,7 +39,7 @@ std::string malformed_text(const std::function<void()>& action) {
     return "no failure";
 }
 
-TEST(response_handler, a_status_with_a_body_reads_lines_up_to_the_dot) {
+TEST(response_handler, a_status_with_a_body_reads_lines_up_to_the_dot_and_one_without_is_done_at_once) {
     recording_handler h(true);
     EXPECT_EQ(h.state(), response_handler::awaiting_status);
     h.on_line("210 Found exact matches, list follows");
@@ -57,16 +57,14 @@ TEST(response_handler, a_status_with_a_body_reads_lines_up_to_the_dot) {
     EXPECT_EQ(h.calls, (std::vector<std::string>{"status 210 [Found exact matches, list follows]",
                                                  "body [rock 1502D003 Artist / Album]", "body [ .]", "body [..]",
                                                  "end"}));
-}
-
-TEST(response_handler, a_status_without_a_body_is_done_at_once) {
-    recording_handler h(false);
-    h.on_line("202 No match for disc ID 1502D003.");
-    EXPECT_EQ(h.state(), response_handler::done);
-    EXPECT_FALSE(h.body_pending());
-    h.on_line("rock 1502D003 ignored");
-    h.on_finish();
-    EXPECT_EQ(h.calls, (std::vector<std::string>{"status 202 [No match for disc ID 1502D003.]", "end"}));
+    // Without a body it is done at once.
+    recording_handler no_body(false);
+    no_body.on_line("202 No match for disc ID 1502D003.");
+    EXPECT_EQ(no_body.state(), response_handler::done);
+    EXPECT_FALSE(no_body.body_pending());
+    no_body.on_line("rock 1502D003 ignored");
+    no_body.on_finish();
+    EXPECT_EQ(no_body.calls, (std::vector<std::string>{"status 202 [No match for disc ID 1502D003.]", "end"}));
 }
 
 TEST(response_handler, the_code_is_three_digits_and_the_rest_follows_one_space) {

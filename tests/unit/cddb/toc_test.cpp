@@ -14,6 +14,7 @@
 #include "cddb/toc.h"
 #include "cddb_test_support.h"
 #include "support/temp_folder.h"
+#include "unit/musicbrainz/mb_test_data.h"
 
 namespace {
 
@@ -127,30 +128,24 @@ TEST(disc_toc, large_discs_run_the_count_into_the_time_and_wrap_offsets_at_32_bi
     EXPECT_EQ(toc.disc_seconds, 2u);
 }
 
-// Every real disc of the fixtures: track lengths are rebuilt from the entry's frame offsets and
-// disc length, and the TOC must give back the offsets and the id the servers file them under.
+// Every real disc of the fixtures, laid out as tracks, gives back its offsets and the id the
+// servers file it under.
 TEST(disc_toc, every_fixture_disc_gives_its_offsets_and_id) {
     for (const testing_support::fixture_toc& d : testing_support::read_fixture_tocs()) {
         SCOPED_TRACE(d.file);
-        offsets expected_offsets(d.offsets.begin(), d.offsets.end());
-        std::uint32_t first = expected_offsets.front();
-        std::string pregap = std::to_string(first - 150);
+        mb_testing::known_disc disc{d.disc_id, 0, {d.offsets.begin(), d.offsets.end()}, d.file};
+        const std::string pregap = mb_testing::pregap_of(disc);
         // The entry only gives whole seconds; try the start, middle and end of the last second.
         for (std::uint32_t within : {0u, 37u, 74u}) {
             SCOPED_TRACE(within);
-            std::uint32_t leadout = static_cast<std::uint32_t>(d.disc_seconds) * 75 + within;
-            std::vector<double> lengths;
-            for (std::size_t i = 0; i < expected_offsets.size(); ++i) {
-                std::uint32_t end = i + 1 < expected_offsets.size() ? expected_offsets[i + 1] : leadout;
-                lengths.push_back((end - expected_offsets[i]) / 75.0);
-            }
-            disc_toc toc = compute_disc_toc(tracks_of(lengths, pregap.c_str()));
-            EXPECT_EQ(toc.offsets, expected_offsets);
+            disc.leadout = static_cast<std::uint64_t>(d.disc_seconds) * 75 + within;
+            disc_toc toc = compute_disc_toc(tracks_of(mb_testing::lengths_of(disc), pregap.empty() ? nullptr : pregap.c_str()));
+            EXPECT_EQ(toc.offsets, offsets(d.offsets.begin(), d.offsets.end()));
             EXPECT_EQ(toc.disc_seconds, static_cast<std::uint32_t>(d.disc_seconds));
             // The playing time divides the frame difference: when track 1 starts later in its
             // second than the leadout does, the time is one second less than the servers' id.
             std::uint32_t expected = static_cast<std::uint32_t>(std::stoul(d.disc_id, nullptr, 16));
-            if (within < first % 75) expected -= 1u << 8;
+            if (within < d.offsets.front() % 75) expected -= 1u << 8;
             EXPECT_EQ(toc.disc_id, expected);
         }
     }

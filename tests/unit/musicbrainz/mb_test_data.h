@@ -21,7 +21,7 @@ struct known_disc {
     std::string note;  // the fixture file, or what the disc is
 };
 
-// musicbrainz/discid-tocs.tsv of the shared fixtures (11 discs).
+// musicbrainz/discid-tocs.tsv of the shared fixtures.
 std::vector<known_disc> fixture_discs();
 // tests/servers/musicbrainz_answers/tocs.tsv: the discs whose answers carry track lists.
 std::vector<known_disc> server_discs();

@@ -159,23 +159,19 @@ TEST_F(release_dialog_test, cancel_and_closing_write_nothing) {
 }
 
 TEST_F(release_dialog_test, a_disc_text_that_is_not_a_number_abandons_the_save) {
-    const std::pair<const char*, const char*> cases[] = {{"one/two", "invalid input"}, {"1/99999999999", "overflow"}};
-    std::size_t saved = 0;
-    for (auto& [text, message] : cases) {
-        headless_view& view = open();
-        edit(view, album_list, 3, 1, text);
-        view.click(save);
-        EXPECT_FALSE(closed(view.handle())) << text;
-        ASSERT_EQ(view.messages().size(), 1u) << text;
-        EXPECT_EQ(view.messages()[0].text, message);
-        EXPECT_EQ(view.messages()[0].caption, "MusicBrainz Lookup");
-        EXPECT_EQ(updates->calls().size(), saved) << text;
-        // Corrected, it saves.
-        edit(view, album_list, 3, 1, "1/1");
-        view.click(save);
-        EXPECT_EQ(updates->calls().size(), ++saved) << text;
-        EXPECT_EQ(updates->tags_of(tracks[0]).first_value("discnumber"), nullptr);  // one disc
-    }
+    headless_view& view = open();
+    edit(view, album_list, 3, 1, "1/99999999999");
+    view.click(save);
+    EXPECT_FALSE(closed(view.handle()));
+    ASSERT_EQ(view.messages().size(), 1u);
+    EXPECT_EQ(view.messages()[0].text, "overflow");
+    EXPECT_EQ(view.messages()[0].caption, "MusicBrainz Lookup");
+    EXPECT_TRUE(updates->calls().empty());
+    // Corrected, it saves.
+    edit(view, album_list, 3, 1, "1/1");
+    view.click(save);
+    EXPECT_EQ(updates->calls().size(), 1u);
+    EXPECT_EQ(updates->tags_of(tracks[0]).first_value("discnumber"), nullptr);  // one disc
 }
 
 TEST_F(release_dialog_test, the_host_shutting_down_closes_open_dialogs_without_writing) {
@@ -216,20 +212,6 @@ struct musicbrainz_source_test : release_dialog_test {
     }
 };
 
-TEST_F(musicbrainz_source_test, the_interactive_entry_opens_the_dialog_on_the_earliest_release) {
-    cache_answer(disc_id, mb_testing::metadata_of(mb_testing::server_answer(disc_id)).content);
-    run(false, mb_testing::tracks_of(mb_testing::disc_with_id(disc_id)));
-    ASSERT_FALSE(windows->open().empty());
-    headless_view* view = headless_view::from_handle(windows->open().back().handle);
-    ASSERT_NE(view, nullptr);
-    EXPECT_EQ(column(*view, album_list, 1), (strings{"Dark Was the Night", "Various Artists", "2009-02-16", "1/2"}));
-    EXPECT_EQ(view->list_row_count(track_rows), 15u);
-    EXPECT_TRUE(updates->calls().empty());
-    EXPECT_TRUE(done->results.empty());  // the dialog is still open
-    view->click(cancel);
-    EXPECT_EQ(done->results, (std::vector<bool>{false}));
-}
-
 TEST_F(musicbrainz_source_test, the_write_entry_writes_at_once) {
     cache_answer(disc_id, mb_testing::metadata_of(mb_testing::server_answer(disc_id)).content);
     track_list selection = mb_testing::tracks_of(mb_testing::disc_with_id(disc_id));
@@ -238,9 +220,7 @@ TEST_F(musicbrainz_source_test, the_write_entry_writes_at_once) {
     ASSERT_EQ(updates->calls().size(), 1u);
     EXPECT_EQ(updates->calls()[0].tracks.size(), 15u);
     EXPECT_STREQ(updates->tags_of(selection[0]).first_value("album"), "Dark Was the Night");
-    EXPECT_STREQ(updates->tags_of(selection[0]).first_value("date"), "2009-02-16");
-    EXPECT_STREQ(updates->tags_of(selection[0]).first_value("discnumber"), "1");
-    EXPECT_STREQ(updates->tags_of(selection[0]).first_value("totaldiscs"), "2");
+    EXPECT_STREQ(updates->tags_of(selection[0]).first_value("date"), "2009-02-16");  // the earliest edition
     updates->complete(completion_notification::result_failure);
     run_main_thread();
     EXPECT_EQ(done->results, (std::vector<bool>{false}));
@@ -254,21 +234,15 @@ TEST_F(musicbrainz_source_test, a_failed_lookup_shows_its_message_and_writes_not
         run(write, mb_testing::tracks_of(mb_testing::disc_with_id(disc_id)));
         EXPECT_TRUE(windows->open().empty());
     }
-    EXPECT_TRUE(updates->calls().empty());
-    EXPECT_EQ(done->results, (std::vector<bool>{false, false}));
-    auto popups = host.popups();
-    ASSERT_EQ(popups.size(), 2u);
-    for (auto& p : popups) {
-        EXPECT_EQ(p.title, "Information");
-        EXPECT_EQ(p.message, "MusicBrainz lookup failed: No matching entry");
-    }
-}
-
-TEST_F(musicbrainz_source_test, too_many_tracks_is_a_failure_the_user_is_told) {
     run(false, make_tracks(100));
+    EXPECT_TRUE(updates->calls().empty());
+    EXPECT_EQ(done->results, (std::vector<bool>{false, false, false}));
     auto popups = host.popups();
-    ASSERT_EQ(popups.size(), 1u);
-    EXPECT_EQ(popups[0].message, "MusicBrainz lookup failed: invalid argument");
+    ASSERT_EQ(popups.size(), 3u);
+    for (auto& p : popups) EXPECT_EQ(p.title, "Information");
+    EXPECT_EQ(popups[0].message, "MusicBrainz lookup failed: No matching entry");
+    EXPECT_EQ(popups[1].message, "MusicBrainz lookup failed: No matching entry");
+    EXPECT_EQ(popups[2].message, "MusicBrainz lookup failed: invalid argument");  // too many tracks
 }
 
 } // namespace

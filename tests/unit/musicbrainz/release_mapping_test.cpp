@@ -16,7 +16,7 @@ namespace {
 using strings = std::vector<std::string>;
 using fields = std::vector<std::pair<std::string, strings>>;
 
-TEST(musicbrainz_artist_text, splits_at_semicolons_and_skips_the_blanks_after_them) {
+TEST(musicbrainz_artist_text, splits_at_semicolons_skipping_the_blanks_after_them_and_joins_back) {
     const std::pair<const char*, strings> cases[] = {
         {"A;  B", {"A", "B"}},
         {"A; B; C", {"A", "B", "C"}},
@@ -29,16 +29,14 @@ TEST(musicbrainz_artist_text, splits_at_semicolons_and_skips_the_blanks_after_th
         {"A;\tB", {"A", "B"}},
     };
     for (auto& [text, expected] : cases) EXPECT_EQ(split_artists(text), expected) << '"' << text << '"';
-}
-
-TEST(musicbrainz_artist_text, joins_with_semicolon_and_blank_and_reads_back_the_same) {
+    // Joined with a semicolon and a blank, they read back the same.
     const strings artists = {"David Bowie", "Queen"};
     EXPECT_EQ(join_artists(artists), "David Bowie; Queen");
     EXPECT_EQ(split_artists(join_artists(artists)), artists);
     EXPECT_EQ(join_artists({}), "");
 }
 
-TEST(musicbrainz_disc_text, reads_number_and_total) {
+TEST(musicbrainz_disc_text, reads_number_and_total_and_refuses_anything_but_digits) {
     struct row {
         const char* text;
         std::uint32_t number, total;
@@ -55,15 +53,13 @@ TEST(musicbrainz_disc_text, reads_number_and_total) {
     release.disc_number = 1;
     release.total_discs = 2;
     EXPECT_EQ(disc_text(release), "1/2");
-}
 
-TEST(musicbrainz_disc_text, refuses_anything_but_digits_and_leaves_the_release_as_it_was) {
+    // Anything but digits is refused and leaves the release as it was.
     const std::pair<const char*, const char*> bad[] = {
         {"1/x", "invalid input"}, {"a/2", "invalid input"}, {"1/2/3", "invalid input"}, {" 1/2", "invalid input"},
         {"-1/2", "invalid input"}, {"1 of 2", "invalid input"}, {"4294967296/1", "overflow"}, {"1/99999999999", "overflow"},
     };
     for (auto& [text, message] : bad) {
-        musicbrainz_release release;
         release.disc_number = 7;
         release.total_discs = 9;
         try {

@@ -12,33 +12,15 @@
 
 #include "xml/element_index.h"
 #include "xml/xml_parser.h"
+#include "xml_test_support.h"
 
 namespace {
 
-namespace xml = ZR::xmlParser;
+using namespace xml_testing;
 using node = xml::element_index::node;
-
-constexpr const char* ns = "http://musicbrainz.org/ns/mmd-2.0#";
-
-xml::element document(const std::string& text) {
-    std::string_view view = text;
-    xml::prepare_document(view);
-    return xml::element(view.data(), view.size());
-}
 
 bool same(const xml::element& a, const xml::element& b) {
     return a.content == b.content && a.attributes == b.attributes && a.namespaces == b.namespaces;
-}
-
-// How a lookup ended: "ok" or the message of the XML error it raised.
-template <typename Lookup>
-std::string outcome(Lookup lookup) {
-    try {
-        lookup();
-    } catch (const xml::error& e) {
-        return e.what();
-    }
-    return "ok";
 }
 
 // The names the documents below use; each is asked in the service's namespace and in any.
@@ -62,7 +44,7 @@ void compare_with_lookups(xml::element_index& index, node n, const xml::element&
     }
 
     for (const char* name : asked_names) {
-        for (const char* uri : {ns, ""}) {
+        for (const char* uri : {ns.c_str(), ""}) {
             const std::string where = std::string(name) + " in \"" + uri + "\" under [" + e.content + "]";
             std::list<xml::element> by_lookup;
             std::vector<node> by_index;
@@ -112,7 +94,7 @@ TEST_P(element_index_agreement, answers_as_the_lookups_do) {
     EXPECT_EQ(compared, GetParam().elements);
 }
 
-const std::string in_ns = std::string(" xmlns=\"") + ns + "\"";
+const std::string in_ns = " xmlns=\"" + ns + "\"";
 
 INSTANTIATE_TEST_SUITE_P(
     documents, element_index_agreement,
@@ -176,14 +158,6 @@ INSTANTIATE_TEST_SUITE_P(
                     structure_case{"<a>x</a >", false}, structure_case{"<a><b x=\">\"></b></a>", false},
                     structure_case{"text only", false}, structure_case{"", false},
                     structure_case{"<a/><!-- tail -->", false}));
-
-std::string nested(unsigned depth) {
-    std::string text;
-    for (unsigned i = 0; i < depth; ++i) text += "<e>";
-    text += "x";
-    for (unsigned i = 0; i < depth; ++i) text += "</e>";
-    return text;
-}
 
 TEST(element_index_depth, reads_the_deepest_nesting_the_scan_reads_and_refuses_more) {
     const xml::element deepest = document(nested(xml::max_depth));
