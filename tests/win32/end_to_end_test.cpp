@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "config/settings.h"
+#include "resources/resource.h"
 #include "ui_support.h"
 
 #include <commctrl.h>
@@ -16,13 +17,16 @@ using namespace ui_testing;
 
 namespace {
 
+// The library of fixture disc `disc_id`: one track per entry of its table of contents, as long
+// as the frames between its start and the next one's (or the disc's end).
 std::vector<std::string> library_of(const std::string& disc_id) {
+    const testing_support::fixture_toc toc = testing_support::read_fixture_toc(disc_id);
     std::vector<std::string> lines;
-    int n = 0;
-    for (double seconds : fixture_disc_lengths(disc_id)) {
-        const std::string number = std::to_string(++n);
-        lines.push_back("C:\\music\\" + disc_id + "\\" + number + ".flac\t" + std::to_string(seconds) + "\ttitle=Track " +
-                        number + "\tcomment=ripped");
+    for (std::size_t i = 0; i < toc.offsets.size(); ++i) {
+        const long end = i + 1 < toc.offsets.size() ? toc.offsets[i + 1] : toc.disc_seconds * 75;
+        const std::string number = std::to_string(i + 1);
+        lines.push_back("C:\\music\\" + disc_id + "\\" + number + ".flac\t" + std::to_string((end - toc.offsets[i]) / 75.0) +
+                        "\ttitle=Track " + number + "\tcomment=ripped");
     }
     return lines;
 }
@@ -55,14 +59,14 @@ TEST(end_to_end, get_tags_from_discora_then_edit_and_update_files_writes_the_sto
     HWND dialog = nullptr;
     ASSERT_TRUE(host.pump_until([&] { return (dialog = find_window(L"discora tagger")) != nullptr; }))
         << "no tagger dialog; popups: " << (host.popups().empty() ? "none" : host.popups().front().message);
-    HWND matches = GetDlgItem(dialog, 1011), tracks = GetDlgItem(dialog, 1024);
+    HWND matches = GetDlgItem(dialog, IDC_TAGGER_MATCHES), tracks = GetDlgItem(dialog, IDC_TAGGER_TRACKS);
     ASSERT_EQ(row_count(matches), 1);
     EXPECT_EQ(cell(matches, 0, 0), "Ernest Ray Everett - Single CD / Ernest Ray Everett - Single CD (country)");
     EXPECT_EQ(cell(tracks, 0, 1), "I'm Your Puppet");
 
     // The entry has no " / ": the user splits artist and album by hand, and renames a track.
-    SetDlgItemTextW(dialog, 1006, L"Ernest Ray Everett");
-    SetDlgItemTextW(dialog, 1007, L"Single CD");
+    SetDlgItemTextW(dialog, IDC_TAGGER_ARTIST, L"Ernest Ray Everett");
+    SetDlgItemTextW(dialog, IDC_TAGGER_ALBUM, L"Single CD");
     focus_row(tracks, 1);
     SendMessageW(tracks, WM_KEYDOWN, VK_F2, 1);
     host.pump();
@@ -73,7 +77,7 @@ TEST(end_to_end, get_tags_from_discora_then_edit_and_update_files_writes_the_sto
     host.pump();
     EXPECT_EQ(cell(tracks, 1, 1), "Me And Jacky (single edit)");
 
-    SendMessageW(GetDlgItem(dialog, 1022), BM_CLICK, 0, 0);
+    SendMessageW(GetDlgItem(dialog, IDC_TAGGER_UPDATE), BM_CLICK, 0, 0);
     ASSERT_TRUE(host.pump_until([&] { return !IsWindow(dialog); })) << "the dialog stayed open after the update";
     EXPECT_TRUE(host.popups().empty()) << host.popups().front().message;
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include <hostkit/file_util.h>
@@ -19,15 +18,6 @@
 namespace ui_testing {
 
 namespace {
-
-std::filesystem::path fresh_folder() {
-    static std::atomic<int> counter{0};
-    auto folder = std::filesystem::temp_directory_path() /
-                  ("tessellon-ui-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++counter));
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    return folder;
-}
 
 LRESULT send(HWND window, UINT message, WPARAM wp = 0, LPARAM lp = 0) { return SendMessageW(window, message, wp, lp); }
 
@@ -50,41 +40,7 @@ LPARAM middle_of_cell(HWND list, int row, int column) {
 
 } // namespace
 
-std::filesystem::path fixture(const std::string& relative) {
-    std::string root = TESSELLON_FIXTURES;
-    // The folder is named as the build machine sees it; Wine shows that file system as drive Z.
-    if (!root.empty() && root[0] == '/') root = "Z:" + root;
-    return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
-}
-
-std::filesystem::path source_file(const std::string& relative) {
-    std::string root = TESSELLON_SOURCE_DIR;
-    if (!root.empty() && root[0] == '/') root = "Z:" + root;
-    return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
-}
-
-std::vector<double> fixture_disc_lengths(const std::string& disc_id) {
-    std::ifstream in(fixture("xmcd/cddb-discid-tocs.tsv"));
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream fields(line);
-        std::string id, count, offsets, seconds;
-        std::getline(fields, id, '\t');
-        std::getline(fields, count, '\t');
-        std::getline(fields, offsets, '\t');
-        std::getline(fields, seconds, '\t');
-        if (id != disc_id) continue;
-        std::vector<long> starts;
-        std::istringstream numbers(offsets);
-        for (long offset; numbers >> offset;) starts.push_back(offset);
-        starts.push_back(std::stol(seconds) * 75);
-        std::vector<double> lengths;
-        for (std::size_t i = 0; i + 1 < starts.size(); ++i) lengths.push_back(static_cast<double>(starts[i + 1] - starts[i]) / 75.0);
-        return lengths;
-    }
-    throw std::runtime_error("no disc " + disc_id + " in the fixture table of contents");
-}
-
-ui_host::ui_host(const std::vector<std::string>& manifest_lines) : folder_(fresh_folder()), manifest_(folder_ / "library.tsv") {
+ui_host::ui_host(const std::vector<std::string>& manifest_lines) : manifest_(folder_ / "library.tsv") {
     std::ofstream out(manifest_, std::ios::binary);
     for (const std::string& line : manifest_lines) out << line << "\n";
     out.close();
@@ -93,12 +49,6 @@ ui_host::ui_host(const std::vector<std::string>& manifest_lines) : folder_(fresh
     options.manifest = manifest_;
     host_ = std::make_unique<winhost::test_host>(options);
     host_->attach_component(&tunehall_get_interface, hostkit::path_utf8(folder_ / "sonatag2.dll"));
-}
-
-ui_host::~ui_host() {
-    host_.reset();
-    std::error_code ec;
-    std::filesystem::remove_all(folder_, ec);
 }
 
 service_ref<lookup_state> make_lookup(std::size_t track_count,
@@ -193,27 +143,6 @@ std::optional<int> selected_row(HWND list) {
     return at;
 }
 
-bool groups_enabled(HWND list) { return send(list, LVM_ISGROUPVIEWENABLED) != 0; }
-
-std::string group_header(HWND list, int group_id) {
-    wchar_t buffer[256] = {};
-    LVGROUP g{};
-    g.cbSize = sizeof g;
-    g.mask = LVGF_HEADER;
-    g.pszHeader = buffer;
-    g.cchHeader = 256;
-    if (send(list, LVM_GETGROUPINFO, static_cast<WPARAM>(group_id), reinterpret_cast<LPARAM>(&g)) < 0) return "(no group)";
-    return winhost::narrow(buffer);
-}
-
-int group_of_row(HWND list, int row) {
-    LVITEMW it{};
-    it.mask = LVIF_GROUPID;
-    it.iItem = row;
-    send(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&it));
-    return it.iGroupId;
-}
-
 void select_row(HWND list, int row) {
     LVITEMW none{};
     none.stateMask = LVIS_SELECTED;
@@ -256,14 +185,6 @@ void double_click_cell(HWND list, int row, int column) {
     PostMessageW(list, WM_LBUTTONUP, 0, at);
 }
 
-std::vector<std::string> values_of(const tag_record& tags, const char* name) {
-    std::vector<std::string> out;
-    std::size_t field = tags.find_field(name);
-    if (field == tag_record::npos) return out;
-    for (std::size_t v = 0; v < tags.value_count(field); ++v) out.push_back(tags.value(field, v));
-    return out;
-}
-
 HWND find_thread_window(DWORD thread, const std::function<bool(HWND)>& wanted) {
     struct search {
         const std::function<bool(HWND)>& wanted;
@@ -287,11 +208,6 @@ HWND find_thread_window(DWORD thread, const std::wstring& title, HWND owner) {
         GetWindowTextW(w, text, 256);
         return title == text && IsWindowVisible(w) && (!owner || GetWindow(w, GW_OWNER) == owner);
     });
-}
-
-std::string message_box_text(HWND box) {
-    // The message is the box's static control with id 0xFFFF.
-    return text_of(GetDlgItem(box, 0xFFFF));
 }
 
 modal_hand::modal_hand(std::function<HWND()> find, std::function<void(HWND)> act, std::chrono::milliseconds limit)
