@@ -46,20 +46,10 @@ bool installed_correctly() {
 
 } // namespace
 
-TEST(component_dll, loads_through_its_entry_and_registers_its_identity) {
-    dll_host h("identity");
-    hostkit::loaded_component& c = h.host->load_component(hostkit::path_utf8(module_dir() / SONATAG2_DLL_NAME));
-    EXPECT_EQ(c.client().get_version(), 81u);
-    EXPECT_FALSE(c.client().is_debug());
-    auto versions = all_services<component_version>();
-    ASSERT_EQ(versions.size(), 1u);
-    EXPECT_STREQ(versions[0]->get_component_name(), "Tessellon");
-    EXPECT_STREQ(versions[0]->get_component_version(), "0.9");
-}
-
-TEST(component_dll, installation_check_passes_under_its_own_name) {
+TEST(component_dll, loads_through_its_entry_and_passes_the_installation_check_under_its_own_name) {
     dll_host h("own-name");
     h.host->load_component(hostkit::path_utf8(module_dir() / SONATAG2_DLL_NAME));
+    EXPECT_EQ(all_services<component_version>().size(), 1u);
     EXPECT_TRUE(installed_correctly());
 }
 
