@@ -45,17 +45,10 @@ TEST_F(tagger_window, a_title_left_open_when_another_match_is_clicked_stays_with
     EXPECT_EQ(cell(tracks, 1, 1), "Train to Skaville (live)") << "the edit was lost";
 }
 
-TEST_F(tagger_window, f2_shift_f2_and_clicks_open_the_editor_on_the_cell_they_name) {
-    focus_row(tracks, 3);
-    press_key(tracks, VK_F2);
-    ui.host().pump();
-    ASSERT_TRUE(cell_editor(tracks)) << "F2 opened no editor";
-    EXPECT_EQ(text_of(cell_editor(tracks)), "Carry Go Bring Come");
-    press_key(cell_editor(tracks), VK_ESCAPE);
-    ui.host().pump();
-    EXPECT_FALSE(cell_editor(tracks));
-
+// (F2 alone, on a title, is part of the end-to-end road.)
+TEST_F(tagger_window, shift_f2_and_clicks_open_the_editor_on_the_cell_they_name) {
     // Shift+F2: the editor lies over row 4's "Comment" cell.
+    focus_row(tracks, 3);
     press_key(tracks, VK_F2, /*shift=*/true);
     ui.host().pump();
     ASSERT_TRUE(cell_editor(tracks)) << "Shift+F2 opened no editor";

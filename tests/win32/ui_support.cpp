@@ -89,27 +89,6 @@ HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state) {
     return nullptr;
 }
 
-HWND find_window(const std::wstring& title) {
-    struct search {
-        const std::wstring& title;
-        HWND found = nullptr;
-    } s{title};
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND w, LPARAM lp) -> BOOL {
-            auto* s = reinterpret_cast<search*>(lp);
-            wchar_t text[256] = {};
-            GetWindowTextW(w, text, 256);
-            if (s->title == text) {
-                s->found = w;
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&s));
-    return s.found;
-}
-
 std::string text_of(HWND window) {
     int length = GetWindowTextLengthW(window);
     std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
@@ -223,9 +202,7 @@ modal_hand::modal_hand(std::function<HWND()> find, std::function<void(HWND)> act
               if (HWND stuck = ModalDialog_Current()) PostMessageW(stuck, WM_CLOSE, 0, 0);
       }) {}
 
-modal_hand::~modal_hand() {
-    if (thread_.joinable()) thread_.join();
-}
+modal_hand::~modal_hand() { join(); }
 
 bool modal_hand::join() {
     if (thread_.joinable()) thread_.join();

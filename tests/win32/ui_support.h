@@ -45,8 +45,6 @@ service_ref<lookup_state> make_lookup(std::size_t track_count,
 // Opens the tagger dialog on `state` as a finished lookup does; returns its window.
 HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state);
 
-// A top-level window of this thread with caption `title` (null when none).
-HWND find_window(const std::wstring& title);
 std::string text_of(HWND window);
 std::string item_text(HWND dialog, int id);
 RECT screen_rect(HWND window);
@@ -72,6 +70,8 @@ void double_click_cell(HWND list, int row, int column);
 HWND find_thread_window(DWORD thread, const std::function<bool(HWND)>& wanted);
 // A top-level window of thread `thread` titled `title`, owned by `owner` when that is given.
 HWND find_thread_window(DWORD thread, const std::wstring& title, HWND owner = nullptr);
+// A visible top-level window of this thread titled `title` (null when none).
+inline HWND find_window(const std::wstring& title) { return find_thread_window(GetCurrentThreadId(), title); }
 
 // A second pair of hands for modal windows: the main thread waits inside a modal loop (a
 // dialog, a message box) while this thread finds the window it opened and works it through
