@@ -55,7 +55,7 @@ struct preferences_window_test : ::testing::Test {
 
 } // namespace
 
-TEST_F(preferences_window_test, the_page_sits_in_the_window_with_bold_captions_and_typing_lights_apply) {
+TEST_F(preferences_window_test, the_page_sits_in_the_window_with_bold_captions_dark_mode_and_apply_lit_by_typing) {
     EXPECT_EQ(GetWindowLongPtrW(page, GWL_STYLE) & WS_CHILD, WS_CHILD);
     EXPECT_EQ(GetParent(page), frame);
     for (int id : {IDC_PREFS_USER_CAPTION, IDC_PREFS_SERVER_CAPTION}) {
@@ -65,64 +65,30 @@ TEST_F(preferences_window_test, the_page_sits_in_the_window_with_bold_captions_a
         GetObjectW(font, sizeof face, &face);
         EXPECT_GE(face.lfWeight, FW_BOLD) << id;
     }
+    EXPECT_EQ(ui.host().dark().attached(), std::vector<HWND>{page});
     EXPECT_FALSE(apply_enabled());
     SetDlgItemTextW(page, IDC_PREFS_EMAIL, L"me@example.invalid");
     EXPECT_TRUE(apply_enabled());
     click(frame, frame_ids::apply_id);
     EXPECT_EQ(cfg_email.get(), "me@example.invalid");
     EXPECT_FALSE(apply_enabled());
-}
-
-TEST_F(preferences_window_test, the_page_follows_the_hosts_dark_mode_while_it_is_open) {
-    EXPECT_EQ(ui.host().dark().attached(), std::vector<HWND>{page});
     click(frame, frame_ids::cancel_id);
     ui.host().pump();
-    EXPECT_TRUE(ui.host().dark().attached().empty());
+    EXPECT_TRUE(ui.host().dark().attached().empty()) << "the closed page is still in the dark mode's list";
 }
 
-TEST_F(preferences_window_test, the_editor_is_modal_to_the_window_and_cancel_changes_nothing) {
-    bool owner_was_enabled = true;
-    LONG_PTR port_style = 0;
-    modal_hand hand(editor(add_title), [&](HWND dialog) {
-        if (!dialog) return;
-        owner_was_enabled = IsWindowEnabled(frame) != FALSE;
-        port_style = GetWindowLongPtrW(GetDlgItem(dialog, IDC_EDITOR_PORT), GWL_STYLE);
-        SetDlgItemTextW(dialog, IDC_EDITOR_SERVER, L"thrown.invalid");
-        click(dialog, IDCANCEL);
-    });
-    click(page, IDC_PREFS_ADD);
-    ASSERT_TRUE(hand.join()) << "no server editor titled \"Add server [discora Tagger]\"";
-    EXPECT_FALSE(owner_was_enabled);
-    EXPECT_EQ(port_style & ES_NUMBER, ES_NUMBER) << "the port field takes more than digits";
-    EXPECT_TRUE(IsWindowEnabled(frame));
-    EXPECT_EQ(ModalDialog_Current(), nullptr);
-    EXPECT_EQ(row_count(list), 1);
-    EXPECT_FALSE(apply_enabled());
-}
-
-TEST_F(preferences_window_test, a_double_click_on_a_row_edits_that_row) {
-    std::string server;
-    modal_hand hand(editor(edit_title), [&](HWND dialog) {
-        if (!dialog) return;
-        server = item_text(dialog, IDC_EDITOR_SERVER);
-        SetDlgItemTextW(dialog, IDC_EDITOR_DESCRIPTION, L"edited");
-        click(dialog, IDOK);
-    });
-    select_row(list, 0);
-    double_click_cell(list, 0, 0);
-    ui.host().pump_until([&] { return cell(list, 0, 1) == "edited"; }, std::chrono::seconds(20));
-    ASSERT_TRUE(hand.join()) << "a double click opened no editor";
-    EXPECT_EQ(server, cell(list, 0, 0));
-    EXPECT_EQ(cell(list, 0, 1), "edited");
-}
-
-TEST_F(preferences_window_test, a_second_editor_is_refused_while_one_is_open_and_the_open_one_is_brought_forward) {
+TEST_F(preferences_window_test, the_editor_is_modal_a_second_one_is_refused_and_cancel_changes_nothing) {
     const unsigned pokes_before = ModalDialog_PokeCount();
     HWND first = nullptr, current_meanwhile = nullptr;
+    bool owner_was_enabled = true;
+    LONG_PTR port_style = 0;
     int editors_meanwhile = 0;
     modal_hand hand(editor(add_title), [&](HWND dialog) {
         if (!dialog) return;
         first = dialog;
+        owner_was_enabled = IsWindowEnabled(frame) != FALSE;
+        port_style = GetWindowLongPtrW(GetDlgItem(dialog, IDC_EDITOR_PORT), GWL_STYLE);
+        SetDlgItemTextW(dialog, IDC_EDITOR_SERVER, L"thrown.invalid");
         // The user reaches the page's buttons again (the host's keyboard, another window): the
         // page asks the host's registry first.
         for (int id : {IDC_PREFS_ADD, IDC_PREFS_EDIT, IDC_PREFS_RETRIEVE})
@@ -137,10 +103,29 @@ TEST_F(preferences_window_test, a_second_editor_is_refused_while_one_is_open_and
         click(dialog, IDCANCEL);
     });
     click(page, IDC_PREFS_ADD);
-    ASSERT_TRUE(hand.join());
+    ASSERT_TRUE(hand.join()) << "no server editor titled \"Add server [discora Tagger]\"";
+    EXPECT_FALSE(owner_was_enabled);
+    EXPECT_EQ(port_style & ES_NUMBER, ES_NUMBER) << "the port field takes more than digits";
     EXPECT_EQ(editors_meanwhile, 1);
     EXPECT_EQ(current_meanwhile, first);
     EXPECT_EQ(ModalDialog_PokeCount() - pokes_before, 3u);
+    EXPECT_TRUE(IsWindowEnabled(frame));
     EXPECT_EQ(ModalDialog_Current(), nullptr);
     EXPECT_EQ(row_count(list), 1);
+    EXPECT_FALSE(apply_enabled());
+}
+
+TEST_F(preferences_window_test, a_double_click_on_a_row_edits_that_row) {
+    std::string server;
+    modal_hand hand(editor(edit_title), [&](HWND dialog) {
+        if (!dialog) return;
+        server = item_text(dialog, IDC_EDITOR_SERVER);
+        SetDlgItemTextW(dialog, IDC_EDITOR_DESCRIPTION, L"edited");
+        click(dialog, IDOK);
+    });
+    double_click_cell(list, 0, 0);
+    ui.host().pump_until([&] { return cell(list, 0, 1) == "edited"; }, std::chrono::seconds(20));
+    ASSERT_TRUE(hand.join()) << "a double click opened no editor";
+    EXPECT_EQ(server, cell(list, 0, 0));
+    EXPECT_EQ(cell(list, 0, 1), "edited");
 }

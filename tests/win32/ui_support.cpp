@@ -90,9 +90,8 @@ HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state) {
 }
 
 std::string text_of(HWND window) {
-    int length = GetWindowTextLengthW(window);
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), length + 1)));
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
     return winhost::narrow(text);
 }
 
@@ -118,17 +117,7 @@ std::string cell(HWND list, int row, int column) {
 
 std::optional<int> selected_row(HWND list) {
     int at = static_cast<int>(send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    if (at < 0) return std::nullopt;
-    return at;
-}
-
-void select_row(HWND list, int row) {
-    LVITEMW none{};
-    none.stateMask = LVIS_SELECTED;
-    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
-    LVITEMW chosen{};
-    chosen.stateMask = chosen.state = LVIS_SELECTED | LVIS_FOCUSED;
-    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&chosen));
+    return at < 0 ? std::nullopt : std::optional<int>(at);
 }
 
 void focus_row(HWND list, int row) {

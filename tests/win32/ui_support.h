@@ -52,8 +52,6 @@ RECT screen_rect(HWND window);
 int row_count(HWND list);
 std::string cell(HWND list, int row, int column);
 std::optional<int> selected_row(HWND list);
-// Selects `row` as a click on it would (the list notifies its dialog).
-void select_row(HWND list, int row);
 // Focuses `row` without other changes.
 void focus_row(HWND list, int row);
 
