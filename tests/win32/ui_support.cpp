@@ -51,30 +51,25 @@ ui_host::ui_host(const std::vector<std::string>& manifest_lines) : manifest_(fol
     host_->attach_component(&tunehall_get_interface, hostkit::path_utf8(folder_ / "sonatag2.dll"));
 }
 
-service_ref<lookup_state> make_lookup(std::size_t track_count,
-                                      const std::vector<std::pair<std::string, std::vector<match>>>& servers) {
+service_ref<lookup_state> make_lookup(const std::vector<match>& matches) {
     track_list tracks;
-    for (std::size_t i = 0; i < track_count; ++i)
+    for (std::size_t i = 0; i < matches.at(0).titles.size(); ++i)
         tracks.push_back(hostkit::make_plain_track("C:\\music\\album\\" + std::to_string(i + 1) + ".flac", 200.0 + static_cast<double>(i)));
     auto state = make_service<lookup_state>(tracks);
-    for (auto& [label, matches] : servers) {
-        server_result result{label, {}};
-        for (const match& m : matches) {
-            disc_record r;
-            r.set_field(disc_record::category, m.category.c_str());
-            r.set_field(disc_record::discid, "8608460b");
-            r.set_field(disc_record::dtitle, m.dtitle.c_str());
-            r.set_field(disc_record::dyear, m.year.c_str());
-            r.set_field(disc_record::dgenre, m.genre.c_str());
-            r.set_track_count(m.titles.size());
-            for (std::size_t i = 0; i < m.titles.size(); ++i) {
-                r.set_track_field(i, disc_record::ttitle, m.titles[i].c_str());
-                if (i < m.comments.size()) r.set_track_field(i, disc_record::extt, m.comments[i].c_str());
-            }
-            result.records.push_back(std::move(r));
+    server_result result{"Main server", {}};
+    for (const match& m : matches) {
+        disc_record r;
+        r.set_field(disc_record::category, "misc");
+        r.set_field(disc_record::discid, "8608460b");
+        r.set_field(disc_record::dtitle, m.dtitle.c_str());
+        r.set_track_count(m.titles.size());
+        for (std::size_t i = 0; i < m.titles.size(); ++i) {
+            r.set_track_field(i, disc_record::ttitle, m.titles[i].c_str());
+            if (i < m.comments.size()) r.set_track_field(i, disc_record::extt, m.comments[i].c_str());
         }
-        state->results.push_back(std::move(result));
+        result.records.push_back(std::move(r));
     }
+    state->results.push_back(std::move(result));
     return state;
 }
 

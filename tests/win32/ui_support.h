@@ -34,14 +34,13 @@ private:
     std::unique_ptr<winhost::test_host> host_;
 };
 
-// One match of a lookup result.
+// One match of a lookup result: its disc title, track titles and track comments.
 struct match {
-    std::string category, dtitle, year, genre;
+    std::string dtitle;
     std::vector<std::string> titles, comments;
 };
-// A finished lookup on `track_count` tracks, with one (label, matches) group per server.
-service_ref<lookup_state> make_lookup(std::size_t track_count,
-                                      const std::vector<std::pair<std::string, std::vector<match>>>& servers);
+// A finished lookup on as many tracks as the first match has titles, all from one server.
+service_ref<lookup_state> make_lookup(const std::vector<match>& matches);
 // Opens the tagger dialog on `state` as a finished lookup does; returns its window.
 HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state);
 
