@@ -154,11 +154,9 @@ TEST_F(editor_on_a_list, the_editor_lies_over_its_cell_inside_the_list_with_the_
     IntersectRect(&cell_rect, &cell_rect, &client);
     RECT container = screen_rect(GetParent(editor));
     MapWindowPoints(nullptr, list, reinterpret_cast<POINT*>(&container), 2);
-    // One border's width around the visible part of the cell.
-    EXPECT_EQ(container.left, cell_rect.left - 1);
-    EXPECT_EQ(container.top, cell_rect.top - 1);
-    EXPECT_EQ(container.right, cell_rect.right + 1);
-    EXPECT_EQ(container.bottom, cell_rect.bottom + 1);
+    InflateRect(&cell_rect, 1, 1);  // one border's width around the visible part of the cell
+    EXPECT_TRUE(EqualRect(&container, &cell_rect)) << container.left << "," << container.top << " " << container.right
+                                                   << "," << container.bottom;
     EXPECT_EQ(SendMessageW(editor, WM_GETFONT, 0, 0), SendMessageW(list, WM_GETFONT, 0, 0));
     EXPECT_EQ(GetFocus(), editor);
 }

@@ -119,7 +119,7 @@ TEST_F(preferences_window_test, a_double_click_on_a_row_edits_that_row) {
     std::string server;
     modal_hand hand(editor(edit_title), [&](HWND dialog) {
         if (!dialog) return;
-        server = item_text(dialog, IDC_EDITOR_SERVER);
+        server = text_of(GetDlgItem(dialog, IDC_EDITOR_SERVER));
         SetDlgItemTextW(dialog, IDC_EDITOR_DESCRIPTION, L"edited");
         click(dialog, IDOK);
     });

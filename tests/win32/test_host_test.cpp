@@ -17,7 +17,6 @@ TEST(test_host_library, reads_tracks_info_fields_and_tags_and_writes_tags_back) 
     winhost::track_library& library = ui.host().library();
     track_list tracks = library.tracks();
     ASSERT_EQ(tracks.size(), 2u);
-    EXPECT_STREQ(tracks[0]->path(), "C:\\a\\1.flac");
     EXPECT_DOUBLE_EQ(tracks[0]->length(), 61.5);
     track_info info;
     ASSERT_TRUE(tracks[0]->get_info(info));

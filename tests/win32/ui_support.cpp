@@ -90,8 +90,6 @@ std::string text_of(HWND window) {
     return winhost::narrow(text);
 }
 
-std::string item_text(HWND dialog, int id) { return text_of(GetDlgItem(dialog, id)); }
-
 RECT screen_rect(HWND window) {
     RECT r{};
     GetWindowRect(window, &r);

@@ -45,7 +45,6 @@ service_ref<lookup_state> make_lookup(const std::vector<match>& matches);
 HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state);
 
 std::string text_of(HWND window);
-std::string item_text(HWND dialog, int id);
 RECT screen_rect(HWND window);
 
 int row_count(HWND list);
@@ -80,8 +79,6 @@ public:
     modal_hand(std::function<HWND()> find, std::function<void(HWND)> act,
                std::chrono::milliseconds limit = std::chrono::seconds(20));
     ~modal_hand();
-    modal_hand(const modal_hand&) = delete;
-    modal_hand& operator=(const modal_hand&) = delete;
     // Waits for the hand to finish; true when it found its window.
     bool join();
 

@@ -21,11 +21,6 @@ struct winhttp : ::testing::Test {
     void SetUp() override {
         if (!std::getenv("TESSELLON_CDDB_PORT")) GTEST_SKIP() << "TESSELLON_CDDB_PORT not set (scripts/test sets it)";
     }
-    // The answer to reading one entry of the server's database.
-    file_ptr open_entry(abort_source& abort) {
-        return fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
-                        filesystem::open_mode::read, abort);
-    }
 };
 
 // Asks the local server to misbehave (or, with "none", to stop) for the tests that follow.
@@ -48,19 +43,14 @@ public:
     std::atomic<bool> retired{false}, aborting{false};
 };
 
-std::string read_byte_by_byte(file& f, abort_source& abort) {
-    std::string out;
-    char c;
-    while (f.read(&c, 1, abort) == 1) out += c;
-    return out;
-}
-
 } // namespace
 
 TEST_F(winhttp, reads_an_answer_byte_by_byte_and_asks_the_calls_abort_source_no_more_after) {
     counting_abort abort;
-    file_ptr f = open_entry(abort);
-    std::string body = read_byte_by_byte(*f, abort);
+    file_ptr f = fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
+                          filesystem::open_mode::read, abort);
+    std::string body;
+    for (char c; f->read(&c, 1, abort) == 1;) body += c;
     EXPECT_EQ(body.rfind("210 misc d50dd30f", 0), 0u) << body.substr(0, 80);
     EXPECT_NE(body.find("DTITLE=Various / Ska Island\r\n"), std::string::npos);
     EXPECT_EQ(body.substr(body.size() - 3), ".\r\n");
