@@ -8,6 +8,8 @@
 
 #include <commctrl.h>
 
+#include <map>
+
 #include "musicbrainz/release_dialog.h"
 #include "resources/resource.h"
 #include "ui/headless/dialog_templates.h"
@@ -27,20 +29,12 @@ std::wstring class_of(HWND window) {
     return name;
 }
 
-// The window class a control of `kind` is made of, and its button type where that tells kinds apart.
-std::pair<std::wstring, int> expected_class(control_kind kind) {
-    switch (kind) {
-    case control_kind::label: return {L"Static", -1};
-    case control_kind::edit: return {L"Edit", -1};
-    case control_kind::button: return {L"Button", BS_PUSHBUTTON};
-    case control_kind::check_box: return {L"Button", BS_AUTOCHECKBOX};
-    case control_kind::group_box: return {L"Button", BS_GROUPBOX};
-    case control_kind::list_view: return {WC_LISTVIEWW, -1};
-    case control_kind::combo_box: return {L"ComboBox", -1};
-    case control_kind::separator: return {L"tunehall:separator", -1};
-    }
-    return {};
-}
+// The window class each kind of control is made of, and its button type where that tells kinds apart.
+const std::map<control_kind, std::pair<std::wstring, int>> classes = {
+    {control_kind::label, {L"Static", -1}},          {control_kind::edit, {L"Edit", -1}},
+    {control_kind::button, {L"Button", BS_PUSHBUTTON}}, {control_kind::check_box, {L"Button", BS_AUTOCHECKBOX}},
+    {control_kind::group_box, {L"Button", BS_GROUPBOX}}, {control_kind::list_view, {WC_LISTVIEWW, -1}},
+    {control_kind::combo_box, {L"ComboBox", -1}},    {control_kind::separator, {L"tunehall:separator", -1}}};
 
 } // namespace
 
@@ -62,7 +56,7 @@ TEST(dialog_templates, each_real_dialog_has_the_templates_controls_in_order) {
             const control_template& t = wanted.controls[i];
             SCOPED_TRACE("control " + std::to_string(t.id));
             EXPECT_EQ(GetDlgCtrlID(controls[i]), t.id);
-            const auto [class_name, button_type] = expected_class(t.kind);
+            const auto& [class_name, button_type] = classes.at(t.kind);
             EXPECT_EQ(class_of(controls[i]), class_name);
             // A default push button is a push button that Enter presses.
             LONG_PTR type = GetWindowLongPtrW(controls[i], GWL_STYLE) & BS_TYPEMASK;

@@ -48,22 +48,16 @@ TEST(test_host_services, suggestions_are_the_librarys_distinct_values_whatever_t
 
 namespace {
 // Waits on the worker until the test lets it finish.
-class gated_task : public threaded_process_task {
-public:
-    explicit gated_task(std::atomic<bool>& go) : go_(go) {}
+struct gated_task : threaded_process_task {
+    explicit gated_task(std::atomic<bool>& go) : go(go) {}
     void run(threaded_process_status& status, abort_source& abort) override {
         status.set_item("C:\\music\\1.flac");
         status.set_progress(2500);
-        while (!go_.load()) {
-            abort.check();
-            Sleep(5);
-        }
+        for (; !go.load(); Sleep(5)) abort.check();
     }
     void on_done(HWND, bool aborted) override { done = true, was_aborted = aborted; }
+    std::atomic<bool>& go;
     bool done = false, was_aborted = false;
-
-private:
-    std::atomic<bool>& go_;
 };
 } // namespace
 
