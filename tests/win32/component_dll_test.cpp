@@ -11,6 +11,8 @@
 #include <tunehall/component.h>
 #include <tunehall/shared.h>
 
+#include "support/temp_folder.h"
+
 namespace {
 
 std::filesystem::path module_dir() {
@@ -19,22 +21,16 @@ std::filesystem::path module_dir() {
     return std::filesystem::path(buffer).parent_path();
 }
 
+// A host in a fresh profile that loads the DLL at `path`.
 struct dll_host {
-    std::filesystem::path profile;
+    testing_support::temp_folder profile{"tessellon-win32"};
     std::unique_ptr<hostkit::host> host;
-    explicit dll_host(const std::string& tag) {
-        profile = std::filesystem::temp_directory_path() / ("tessellon-win32-" + tag);
-        std::filesystem::remove_all(profile);
+    explicit dll_host(const std::filesystem::path& path) {
         hostkit::host_options options;
-        options.profile = profile;
-        options.console_to_stderr = false;
-        options.popups_to_stderr = false;
+        options.profile = profile.path();
+        options.console_to_stderr = options.popups_to_stderr = false;
         host = std::make_unique<hostkit::host>(options);
-    }
-    ~dll_host() {
-        host.reset();
-        std::error_code ec;
-        std::filesystem::remove_all(profile, ec);
+        host->load_component(hostkit::path_utf8(path));
     }
 };
 
@@ -46,38 +42,20 @@ bool installed_correctly() {
 
 } // namespace
 
-TEST(component_dll, loads_through_its_entry_and_registers_its_identity) {
-    dll_host h("identity");
-    hostkit::loaded_component& c = h.host->load_component(hostkit::path_utf8(module_dir() / SONATAG2_DLL_NAME));
-    EXPECT_EQ(c.client().get_version(), 81u);
-    EXPECT_FALSE(c.client().is_debug());
-    auto versions = all_services<component_version>();
-    ASSERT_EQ(versions.size(), 1u);
-    EXPECT_STREQ(versions[0]->get_component_name(), "Tessellon");
-    EXPECT_STREQ(versions[0]->get_component_version(), "0.9");
-}
-
-TEST(component_dll, installation_check_passes_under_its_own_name) {
-    dll_host h("own-name");
-    h.host->load_component(hostkit::path_utf8(module_dir() / SONATAG2_DLL_NAME));
+TEST(component_dll, loads_through_its_entry_and_passes_the_installation_check_under_its_own_name) {
+    dll_host h(module_dir() / SONATAG2_DLL_NAME);
+    EXPECT_EQ(all_services<component_version>().size(), 1u);
     EXPECT_TRUE(installed_correctly());
 }
 
 TEST(component_dll, installation_check_reports_a_renamed_file) {
-    std::filesystem::path renamed = std::filesystem::temp_directory_path() / "tessellon-renamed" / "sonatag2-copy.dll";
-    std::filesystem::create_directories(renamed.parent_path());
-    std::filesystem::copy_file(module_dir() / SONATAG2_DLL_NAME, renamed, std::filesystem::copy_options::overwrite_existing);
+    testing_support::temp_folder folder("tessellon-renamed");  // outlives the loaded copy
+    std::filesystem::copy_file(module_dir() / SONATAG2_DLL_NAME, folder / "sonatag2-copy.dll");
     // The copy imports the host's shared library from beside the program that loads it.
-    std::filesystem::copy_file(module_dir() / "tunehall_shared.dll", renamed.parent_path() / "tunehall_shared.dll",
-                               std::filesystem::copy_options::overwrite_existing);
-    {
-        dll_host h("renamed");
-        h.host->load_component(hostkit::path_utf8(renamed));
-        EXPECT_FALSE(installed_correctly());
-        std::string events;
-        uCrashInfo_Events(&events);
-        EXPECT_NE(events.find("Component rename detected: sonatag2.dll >> sonatag2-copy.dll"), std::string::npos) << events;
-    }
-    std::error_code ec;
-    std::filesystem::remove_all(renamed.parent_path(), ec);
+    std::filesystem::copy_file(module_dir() / "tunehall_shared.dll", folder / "tunehall_shared.dll");
+    dll_host h(folder / "sonatag2-copy.dll");
+    EXPECT_FALSE(installed_correctly());
+    std::string events;
+    uCrashInfo_Events(&events);
+    EXPECT_NE(events.find("Component rename detected: sonatag2.dll >> sonatag2-copy.dll"), std::string::npos) << events;
 }

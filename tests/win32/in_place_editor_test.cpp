@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "resources/resource.h"
 #include "ui/view_factory.h"
 #include "ui/edit_keys.h"
 #include "ui/win32/in_place_editor.h"
@@ -23,6 +24,10 @@ struct recorder : dialog_events {
         int column;
         std::string text;
         int code;
+        bool operator==(const end&) const = default;
+        friend std::ostream& operator<<(std::ostream& out, const end& e) {
+            return out << "row " << e.row << " column " << e.column << " \"" << e.text << "\" code " << e.code;
+        }
     };
     std::vector<end> ends;       // the texts handed over as editors ended
     std::vector<int> later_ends;  // the ends told once the editors were gone
@@ -33,12 +38,12 @@ struct recorder : dialog_events {
     void on_cell_edit_end(int, std::size_t, int, int code) override { later_ends.push_back(code); }
 };
 
-constexpr int tracks = 1024;
+constexpr int tracks = IDC_TAGGER_TRACKS;
 
 struct editor_on_a_list : ::testing::Test {
     ui_host ui;
     recorder events;
-    std::unique_ptr<dialog_view> view = create_dialog_view(103, nullptr, events);
+    std::unique_ptr<dialog_view> view = create_dialog_view(IDD_TAGGER, nullptr, events);
     HWND list = GetDlgItem(view->handle(), tracks);
 
     void SetUp() override {
@@ -56,29 +61,23 @@ struct editor_on_a_list : ::testing::Test {
         view.reset();
         ui.host().pump();
     }
+    // Opens the editor on a cell; returns its text control.
+    HWND edit(std::size_t row, int column) {
+        view->list_start_edit(tracks, row, column);
+        return cell_editor(list);
+    }
 };
-
-std::wstring wide_text(HWND w) {
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(w)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(w, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
 
 } // namespace
 
 TEST_F(editor_on_a_list, two_tabs_in_quick_succession_end_the_editor_once) {
-    view->list_start_edit(tracks, 1, 1);
-    HWND editor = cell_editor(list);
+    HWND editor = edit(1, 1);
     ASSERT_TRUE(editor);
     // Both keys arrive before the first end is handled.
     press_key(editor, VK_TAB);
     press_key(editor, VK_TAB);
     ui.host().pump();
-    ASSERT_EQ(events.ends.size(), 1u);
-    EXPECT_EQ(events.ends[0].row, 1u);
-    EXPECT_EQ(events.ends[0].column, 1);
-    EXPECT_EQ(events.ends[0].code, in_place::next_cell);
-    EXPECT_EQ(events.ends[0].text, "Title 2");
+    EXPECT_EQ(events.ends, (std::vector<recorder::end>{{1, 1, "Title 2", in_place::next_cell}}));
     EXPECT_EQ(events.later_ends, std::vector<int>{in_place::next_cell});
     EXPECT_FALSE(cell_editor(list)) << "the ended editor is still there";
 }
@@ -92,21 +91,17 @@ TEST_F(editor_on_a_list, keys_end_it_with_their_codes_and_the_text_it_held) {
                  {VK_TAB, true, in_place::previous_cell}, {VK_ESCAPE, false, in_place::cancelled}};
     for (auto& c : cases) {
         events.ends.clear();
-        view->list_start_edit(tracks, 0, 1);
-        HWND editor = cell_editor(list);
+        HWND editor = edit(0, 1);
         ASSERT_TRUE(editor);
         SetWindowTextW(editor, L"typed");
         press_key(editor, c.key, c.shift);
         ui.host().pump();
-        ASSERT_EQ(events.ends.size(), 1u) << "key " << c.key;
-        EXPECT_EQ(events.ends[0].code, c.code) << "key " << c.key;
-        EXPECT_EQ(events.ends[0].text, "typed") << "key " << c.key;
+        EXPECT_EQ(events.ends, (std::vector<recorder::end>{{0, 1, "typed", c.code}})) << "key " << c.key;
     }
 }
 
 TEST_F(editor_on_a_list, ctrl_enter_in_a_multi_line_editor_breaks_the_line_and_keeps_editing) {
-    view->list_start_edit(tracks, 2, 2);  // comments are edited on several lines
-    HWND editor = cell_editor(list);
+    HWND editor = edit(2, 2);  // comments are edited on several lines
     ASSERT_TRUE(editor);
     EXPECT_TRUE(GetWindowLongPtrW(editor, GWL_STYLE) & ES_MULTILINE);
     SendMessageW(editor, EM_SETSEL, 7, 7);  // after "Comment"
@@ -114,36 +109,28 @@ TEST_F(editor_on_a_list, ctrl_enter_in_a_multi_line_editor_breaks_the_line_and_k
     SendMessageW(editor, WM_CHAR, L'\n', 1);  // what the keyboard makes of Ctrl+Enter
     ui.host().pump();
     EXPECT_TRUE(events.ends.empty());
-    EXPECT_EQ(wide_text(editor), L"Comment\r\n 3");
+    EXPECT_EQ(text_of(editor), "Comment\r\n 3");
     press_key(editor, VK_RETURN);
     ui.host().pump();
-    ASSERT_EQ(events.ends.size(), 1u);
-    EXPECT_EQ(events.ends[0].text, "Comment\r\n 3");
-    EXPECT_EQ(events.ends[0].code, in_place::accepted);
+    EXPECT_EQ(events.ends, (std::vector<recorder::end>{{2, 2, "Comment\r\n 3", in_place::accepted}}));
 }
 
-TEST_F(editor_on_a_list, ctrl_a_selects_everything_and_ctrl_backspace_deletes_the_word_before_the_caret) {
-    view->list_start_edit(tracks, 0, 1);
-    HWND editor = cell_editor(list);
+TEST_F(editor_on_a_list, ctrl_backspace_deletes_a_word_ctrl_a_selects_all_and_pasted_lines_join_with_blanks) {
+    HWND editor = edit(0, 1);
     ASSERT_TRUE(editor);
     SetWindowTextW(editor, L"Train to Skaville");
     SendMessageW(editor, EM_SETSEL, 17, 17);
     press_key(editor, VK_BACK, false, true);
-    EXPECT_EQ(wide_text(editor), L"Train to ");
+    EXPECT_EQ(text_of(editor), "Train to ");
     press_key(editor, VK_BACK, false, true);
-    EXPECT_EQ(wide_text(editor), L"Train ");
+    EXPECT_EQ(text_of(editor), "Train ");
     press_key(editor, 'A', false, true);
     DWORD from = 1, to = 0;
     SendMessageW(editor, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
     EXPECT_EQ(from, 0u);
     EXPECT_EQ(to, 6u);
     EXPECT_TRUE(events.ends.empty());
-}
 
-TEST_F(editor_on_a_list, pasting_lines_into_a_single_line_editor_joins_them_with_blanks) {
-    view->list_start_edit(tracks, 0, 1);
-    HWND editor = cell_editor(list);
-    ASSERT_TRUE(editor);
     const std::wstring text = L"Rude\r\nBoy\nTrain";
     ASSERT_TRUE(OpenClipboard(editor));
     EmptyClipboard();
@@ -154,49 +141,47 @@ TEST_F(editor_on_a_list, pasting_lines_into_a_single_line_editor_joins_them_with
     CloseClipboard();
     SetWindowTextW(editor, L"");
     SendMessageW(editor, WM_PASTE, 0, 0);
-    EXPECT_EQ(wide_text(editor), L"Rude Boy Train");
+    EXPECT_EQ(text_of(editor), "Rude Boy Train");
 }
 
 TEST_F(editor_on_a_list, the_editor_lies_over_its_cell_inside_the_list_with_the_lists_font) {
-    view->list_start_edit(tracks, 1, 2);
-    HWND editor = cell_editor(list);
+    HWND editor = edit(1, 2);
     ASSERT_TRUE(editor);
-    RECT cell_rect{};
-    cell_rect.top = 2;
-    cell_rect.left = LVIR_BOUNDS;
+    RECT cell_rect{LVIR_BOUNDS, 2, 0, 0};
     SendMessageW(list, LVM_GETSUBITEMRECT, 1, reinterpret_cast<LPARAM>(&cell_rect));
     RECT client;
     GetClientRect(list, &client);
     IntersectRect(&cell_rect, &cell_rect, &client);
     RECT container = screen_rect(GetParent(editor));
     MapWindowPoints(nullptr, list, reinterpret_cast<POINT*>(&container), 2);
-    // One border's width around the visible part of the cell.
-    EXPECT_EQ(container.left, cell_rect.left - 1);
-    EXPECT_EQ(container.top, cell_rect.top - 1);
-    EXPECT_EQ(container.right, cell_rect.right + 1);
-    EXPECT_EQ(container.bottom, cell_rect.bottom + 1);
+    InflateRect(&cell_rect, 1, 1);  // one border's width around the visible part of the cell
+    EXPECT_TRUE(EqualRect(&container, &cell_rect)) << container.left << "," << container.top << " " << container.right
+                                                   << "," << container.bottom;
     EXPECT_EQ(SendMessageW(editor, WM_GETFONT, 0, 0), SendMessageW(list, WM_GETFONT, 0, 0));
     EXPECT_EQ(GetFocus(), editor);
 }
 
 TEST_F(editor_on_a_list, starting_another_cell_ends_the_open_editor_with_its_text_first) {
-    view->list_start_edit(tracks, 0, 1);
-    SetWindowTextW(cell_editor(list), L"kept");
-    view->list_start_edit(tracks, 2, 1);
-    ASSERT_EQ(events.ends.size(), 1u);
-    EXPECT_EQ(events.ends[0].row, 0u);
-    EXPECT_EQ(events.ends[0].text, "kept");
-    EXPECT_EQ(events.ends[0].code, in_place::accepted);
-    ASSERT_TRUE(cell_editor(list));
-    EXPECT_EQ(text_of(cell_editor(list)), "Title 3");
+    SetWindowTextW(edit(0, 1), L"kept");
+    HWND next = edit(2, 1);
+    EXPECT_EQ(events.ends, (std::vector<recorder::end>{{0, 1, "kept", in_place::accepted}}));
+    ASSERT_TRUE(next);
+    EXPECT_EQ(text_of(next), "Title 3");
     ui.host().pump();
     EXPECT_EQ(events.later_ends.size(), 1u);  // the first editor's posted end died with it
 }
 
-TEST(in_place_editor_styles, option_bits_choose_the_edit_controls_styles) {
+namespace {
+// A bare list view for editors made directly.
+struct in_place_editor_styles : ::testing::Test {
     ui_host ui;
     HWND list = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_POPUP | WS_VISIBLE | LVS_REPORT, 0, 0, 300, 200, nullptr, nullptr,
                                 nullptr, nullptr);
+    void TearDown() override { DestroyWindow(list); }
+};
+} // namespace
+
+TEST_F(in_place_editor_styles, option_bits_choose_the_edit_controls_styles) {
     ASSERT_TRUE(list);
     struct {
         std::uint32_t options;
@@ -220,20 +205,14 @@ TEST(in_place_editor_styles, option_bits_choose_the_edit_controls_styles) {
     SendMessageW(editor.control(), EM_SETSEL, 9, 9);
     press_key(editor.control(), VK_BACK, false, true);
     EXPECT_EQ(text_of(editor.control()), "two words");
-    DestroyWindow(list);
 }
 
-TEST(in_place_editor_styles, a_drop_down_list_has_id_666_and_ends_with_the_chosen_item) {
-    ui_host ui;
-    HWND list = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_POPUP | WS_VISIBLE | LVS_REPORT, 0, 0, 300, 200, nullptr, nullptr,
-                                nullptr, nullptr);
+TEST_F(in_place_editor_styles, a_drop_down_list_has_the_choice_id_and_ends_with_the_chosen_item) {
     std::vector<std::pair<std::string, int>> ends;
     in_place_editor editor(list, RECT{10, 10, 110, 30}, std::vector<std::string>{"HTTP", "CDDBP"}, 1, 0,
                            [&](const std::string& text, int code) { ends.emplace_back(text, code); });
     EXPECT_EQ(GetDlgCtrlID(editor.control()), in_place_editor::choice_id);
     press_key(editor.control(), VK_RETURN);
     ui.host().pump();
-    ASSERT_EQ(ends.size(), 1u);
-    EXPECT_EQ(ends[0], (std::pair<std::string, int>{"CDDBP", in_place::accepted}));
-    DestroyWindow(list);
+    EXPECT_EQ(ends, (std::vector<std::pair<std::string, int>>{{"CDDBP", in_place::accepted}}));
 }

@@ -1,9 +1,7 @@
-// The Windows test host's own parts: the library manifest and its tag store, the suggestions it
-// gives, the commands it offers, and the progress window it shows while a task runs.
+// The Windows test host's own parts that the other tests lean on: the library manifest and its
+// tag store, the suggestions it offers, and the progress window of a running task.
 
 #include <gtest/gtest.h>
-
-#include <fstream>
 
 #include <tunehall/autocomplete.h>
 #include <tunehall/core.h>
@@ -19,7 +17,6 @@ TEST(test_host_library, reads_tracks_info_fields_and_tags_and_writes_tags_back) 
     winhost::track_library& library = ui.host().library();
     track_list tracks = library.tracks();
     ASSERT_EQ(tracks.size(), 2u);
-    EXPECT_STREQ(tracks[0]->path(), "C:\\a\\1.flac");
     EXPECT_DOUBLE_EQ(tracks[0]->length(), 61.5);
     track_info info;
     ASSERT_TRUE(tracks[0]->get_info(info));
@@ -40,57 +37,27 @@ TEST(test_host_library, reads_tracks_info_fields_and_tags_and_writes_tags_back) 
     EXPECT_STREQ(info_again.info_get("pregap"), "00:02:00");
 }
 
-TEST(test_host_library, a_malformed_line_names_the_file_and_line) {
-    struct {
-        const char* line;
-        const char* says;
-    } cases[] = {{"C:\\x.flac", "a track needs a path and a length"},
-                 {"C:\\x.flac\tlong", "not a length in seconds: long"},
-                 {"C:\\x.flac\t10\tartist", "not name=value: artist"}};
-    for (auto& c : cases) {
-        ui_host ui;
-        std::ofstream(ui.manifest()) << "C:\\ok.flac\t10\n" << c.line << "\n";
-        try {
-            winhost::track_library library(ui.manifest());
-            ADD_FAILURE() << "accepted " << c.line;
-        } catch (const tunehall_io::exception_io_data& e) {
-            std::string text = e.what();
-            EXPECT_NE(text.find("library.tsv, line 2: "), std::string::npos) << text;
-            EXPECT_NE(text.find(c.says), std::string::npos) << text;
-        }
-    }
-}
-
-TEST(test_host_services, suggestions_are_the_librarys_distinct_values_and_the_commands_are_offered) {
+TEST(test_host_services, suggestions_are_the_librarys_distinct_values_whatever_the_fields_case) {
     ui_host ui({"C:\\1.flac\t10\tartist=Toots\tgenre=Ska", "C:\\2.flac\t10\tartist=Desmond Dekker\tgenre=Ska",
                 "C:\\3.flac\t10\tartist=Toots"});
     auto suggestions = host_service<library_suggestions>();
     EXPECT_EQ(suggestions->values_of("artist"), (std::vector<std::string>{"Desmond Dekker", "Toots"}));
     EXPECT_EQ(suggestions->values_of("GENRE"), (std::vector<std::string>{"Ska"}));
     EXPECT_TRUE(suggestions->values_of("album").empty());
-    auto names = ui.host().menu_command_names();
-    EXPECT_NE(std::find(names.begin(), names.end(), "Get tags from discora"), names.end());
-    EXPECT_THROW(ui.host().run_menu_command("No such command", {}), exception_service_not_found);
 }
 
 namespace {
 // Waits on the worker until the test lets it finish.
-class gated_task : public threaded_process_task {
-public:
-    explicit gated_task(std::atomic<bool>& go) : go_(go) {}
+struct gated_task : threaded_process_task {
+    explicit gated_task(std::atomic<bool>& go) : go(go) {}
     void run(threaded_process_status& status, abort_source& abort) override {
         status.set_item("C:\\music\\1.flac");
         status.set_progress(2500);
-        while (!go_.load()) {
-            abort.check();
-            Sleep(5);
-        }
+        for (; !go.load(); Sleep(5)) abort.check();
     }
     void on_done(HWND, bool aborted) override { done = true, was_aborted = aborted; }
+    std::atomic<bool>& go;
     bool done = false, was_aborted = false;
-
-private:
-    std::atomic<bool>& go_;
 };
 } // namespace
 

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
-#include <sstream>
-#include <stdexcept>
 
 #include <hostkit/file_util.h>
 #include <hostkit/plain_track.h>
@@ -19,15 +17,6 @@
 namespace ui_testing {
 
 namespace {
-
-std::filesystem::path fresh_folder() {
-    static std::atomic<int> counter{0};
-    auto folder = std::filesystem::temp_directory_path() /
-                  ("tessellon-ui-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++counter));
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    return folder;
-}
 
 LRESULT send(HWND window, UINT message, WPARAM wp = 0, LPARAM lp = 0) { return SendMessageW(window, message, wp, lp); }
 
@@ -50,41 +39,7 @@ LPARAM middle_of_cell(HWND list, int row, int column) {
 
 } // namespace
 
-std::filesystem::path fixture(const std::string& relative) {
-    std::string root = TESSELLON_FIXTURES;
-    // The folder is named as the build machine sees it; Wine shows that file system as drive Z.
-    if (!root.empty() && root[0] == '/') root = "Z:" + root;
-    return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
-}
-
-std::filesystem::path source_file(const std::string& relative) {
-    std::string root = TESSELLON_SOURCE_DIR;
-    if (!root.empty() && root[0] == '/') root = "Z:" + root;
-    return hostkit::utf8_path(root) / hostkit::utf8_path(relative);
-}
-
-std::vector<double> fixture_disc_lengths(const std::string& disc_id) {
-    std::ifstream in(fixture("xmcd/cddb-discid-tocs.tsv"));
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream fields(line);
-        std::string id, count, offsets, seconds;
-        std::getline(fields, id, '\t');
-        std::getline(fields, count, '\t');
-        std::getline(fields, offsets, '\t');
-        std::getline(fields, seconds, '\t');
-        if (id != disc_id) continue;
-        std::vector<long> starts;
-        std::istringstream numbers(offsets);
-        for (long offset; numbers >> offset;) starts.push_back(offset);
-        starts.push_back(std::stol(seconds) * 75);
-        std::vector<double> lengths;
-        for (std::size_t i = 0; i + 1 < starts.size(); ++i) lengths.push_back(static_cast<double>(starts[i + 1] - starts[i]) / 75.0);
-        return lengths;
-    }
-    throw std::runtime_error("no disc " + disc_id + " in the fixture table of contents");
-}
-
-ui_host::ui_host(const std::vector<std::string>& manifest_lines) : folder_(fresh_folder()), manifest_(folder_ / "library.tsv") {
+ui_host::ui_host(const std::vector<std::string>& manifest_lines) : manifest_(folder_ / "library.tsv") {
     std::ofstream out(manifest_, std::ios::binary);
     for (const std::string& line : manifest_lines) out << line << "\n";
     out.close();
@@ -95,79 +50,42 @@ ui_host::ui_host(const std::vector<std::string>& manifest_lines) : folder_(fresh
     host_->attach_component(&tunehall_get_interface, hostkit::path_utf8(folder_ / "sonatag2.dll"));
 }
 
-ui_host::~ui_host() {
-    host_.reset();
-    std::error_code ec;
-    std::filesystem::remove_all(folder_, ec);
-}
-
-service_ref<lookup_state> make_lookup(std::size_t track_count,
-                                      const std::vector<std::pair<std::string, std::vector<match>>>& servers) {
+service_ref<lookup_state> make_lookup(const std::vector<match>& matches) {
     track_list tracks;
-    for (std::size_t i = 0; i < track_count; ++i)
+    for (std::size_t i = 0; i < matches.at(0).titles.size(); ++i)
         tracks.push_back(hostkit::make_plain_track("C:\\music\\album\\" + std::to_string(i + 1) + ".flac", 200.0 + static_cast<double>(i)));
     auto state = make_service<lookup_state>(tracks);
-    for (auto& [label, matches] : servers) {
-        server_result result{label, {}};
-        for (const match& m : matches) {
-            disc_record r;
-            r.set_field(disc_record::category, m.category.c_str());
-            r.set_field(disc_record::discid, "8608460b");
-            r.set_field(disc_record::dtitle, m.dtitle.c_str());
-            r.set_field(disc_record::dyear, m.year.c_str());
-            r.set_field(disc_record::dgenre, m.genre.c_str());
-            r.set_track_count(m.titles.size());
-            for (std::size_t i = 0; i < m.titles.size(); ++i) {
-                r.set_track_field(i, disc_record::ttitle, m.titles[i].c_str());
-                if (i < m.comments.size()) r.set_track_field(i, disc_record::extt, m.comments[i].c_str());
-            }
-            result.records.push_back(std::move(r));
+    server_result result{"Main server", {}};
+    for (const match& m : matches) {
+        disc_record r;
+        r.set_field(disc_record::category, "misc");
+        r.set_field(disc_record::discid, "8608460b");
+        r.set_field(disc_record::dtitle, m.dtitle.c_str());
+        r.set_track_count(m.titles.size());
+        for (std::size_t i = 0; i < m.titles.size(); ++i) {
+            r.set_track_field(i, disc_record::ttitle, m.titles[i].c_str());
+            if (i < m.comments.size()) r.set_track_field(i, disc_record::extt, m.comments[i].c_str());
         }
-        state->results.push_back(std::move(result));
+        result.records.push_back(std::move(r));
     }
+    state->results.push_back(std::move(result));
     return state;
 }
 
 HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state) {
-    auto factories = all_services<tagger_dialog_factory>();
-    if (factories.empty()) throw std::runtime_error("the component registers no tagger dialog");
     std::vector<HWND> before = host.open_windows();
-    factories.front()->open(host.main_window(), std::move(state));
+    all_services<tagger_dialog_factory>().at(0)->open(host.main_window(), std::move(state));
     host.pump();
     for (HWND w : host.open_windows())
         if (std::find(before.begin(), before.end(), w) == before.end()) return w;
     return nullptr;
 }
 
-HWND find_window(const std::wstring& title) {
-    struct search {
-        const std::wstring& title;
-        HWND found = nullptr;
-    } s{title};
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND w, LPARAM lp) -> BOOL {
-            auto* s = reinterpret_cast<search*>(lp);
-            wchar_t text[256] = {};
-            GetWindowTextW(w, text, 256);
-            if (s->title == text) {
-                s->found = w;
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&s));
-    return s.found;
-}
-
 std::string text_of(HWND window) {
-    int length = GetWindowTextLengthW(window);
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), length + 1)));
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
     return winhost::narrow(text);
 }
-
-std::string item_text(HWND dialog, int id) { return text_of(GetDlgItem(dialog, id)); }
 
 RECT screen_rect(HWND window) {
     RECT r{};
@@ -189,38 +107,7 @@ std::string cell(HWND list, int row, int column) {
 
 std::optional<int> selected_row(HWND list) {
     int at = static_cast<int>(send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    if (at < 0) return std::nullopt;
-    return at;
-}
-
-bool groups_enabled(HWND list) { return send(list, LVM_ISGROUPVIEWENABLED) != 0; }
-
-std::string group_header(HWND list, int group_id) {
-    wchar_t buffer[256] = {};
-    LVGROUP g{};
-    g.cbSize = sizeof g;
-    g.mask = LVGF_HEADER;
-    g.pszHeader = buffer;
-    g.cchHeader = 256;
-    if (send(list, LVM_GETGROUPINFO, static_cast<WPARAM>(group_id), reinterpret_cast<LPARAM>(&g)) < 0) return "(no group)";
-    return winhost::narrow(buffer);
-}
-
-int group_of_row(HWND list, int row) {
-    LVITEMW it{};
-    it.mask = LVIF_GROUPID;
-    it.iItem = row;
-    send(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&it));
-    return it.iGroupId;
-}
-
-void select_row(HWND list, int row) {
-    LVITEMW none{};
-    none.stateMask = LVIS_SELECTED;
-    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
-    LVITEMW chosen{};
-    chosen.stateMask = chosen.state = LVIS_SELECTED | LVIS_FOCUSED;
-    send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&chosen));
+    return at < 0 ? std::nullopt : std::optional<int>(at);
 }
 
 void focus_row(HWND list, int row) {
@@ -256,14 +143,6 @@ void double_click_cell(HWND list, int row, int column) {
     PostMessageW(list, WM_LBUTTONUP, 0, at);
 }
 
-std::vector<std::string> values_of(const tag_record& tags, const char* name) {
-    std::vector<std::string> out;
-    std::size_t field = tags.find_field(name);
-    if (field == tag_record::npos) return out;
-    for (std::size_t v = 0; v < tags.value_count(field); ++v) out.push_back(tags.value(field, v));
-    return out;
-}
-
 HWND find_thread_window(DWORD thread, const std::function<bool(HWND)>& wanted) {
     struct search {
         const std::function<bool(HWND)>& wanted;
@@ -289,11 +168,6 @@ HWND find_thread_window(DWORD thread, const std::wstring& title, HWND owner) {
     });
 }
 
-std::string message_box_text(HWND box) {
-    // The message is the box's static control with id 0xFFFF.
-    return text_of(GetDlgItem(box, 0xFFFF));
-}
-
 modal_hand::modal_hand(std::function<HWND()> find, std::function<void(HWND)> act, std::chrono::milliseconds limit)
     : thread_([this, find = std::move(find), act = std::move(act), limit] {
           const auto deadline = std::chrono::steady_clock::now() + limit;
@@ -307,9 +181,7 @@ modal_hand::modal_hand(std::function<HWND()> find, std::function<void(HWND)> act
               if (HWND stuck = ModalDialog_Current()) PostMessageW(stuck, WM_CLOSE, 0, 0);
       }) {}
 
-modal_hand::~modal_hand() {
-    if (thread_.joinable()) thread_.join();
-}
+modal_hand::~modal_hand() { join(); }
 
 bool modal_hand::join() {
     if (thread_.joinable()) thread_.join();

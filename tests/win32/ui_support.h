@@ -1,7 +1,7 @@
 #pragma once
-// What the Windows user-interface tests share: a test host with the component linked in, the
-// shared fixtures, and a user's hands on real windows (keys, clicks, texts, list cells and
-// groups), all through ordinary window messages.
+// What the Windows user-interface tests share: a test host with the component linked in and a
+// user's hands on real windows (keys, clicks, texts, list cells), all through ordinary window
+// messages.
 
 #include <atomic>
 #include <chrono>
@@ -15,58 +15,41 @@
 #include <windows.h>
 
 #include "cddb/lookup_state.h"
+#include "support/temp_folder.h"
 #include "test_host.h"
 
 namespace ui_testing {
-
-// A file of the shared fixtures.
-std::filesystem::path fixture(const std::string& relative);
-// A file of this checkout (the project's own test servers' data).
-std::filesystem::path source_file(const std::string& relative);
-// The track lengths (seconds) that lay out fixture disc `disc_id`.
-std::vector<double> fixture_disc_lengths(const std::string& disc_id);
 
 // A test host in a fresh profile, its library read from `manifest_lines`, with the component
 // (linked into the test program) attached under its own file name.
 class ui_host {
 public:
     explicit ui_host(const std::vector<std::string>& manifest_lines = {});
-    ~ui_host();
     winhost::test_host& host() { return *host_; }
-    const std::filesystem::path& folder() const { return folder_; }
     const std::filesystem::path& manifest() const { return manifest_; }
 
 private:
-    std::filesystem::path folder_, manifest_;
+    testing_support::temp_folder folder_{"tessellon-ui"};  // outlives the host, which writes into it
+    std::filesystem::path manifest_;
     std::unique_ptr<winhost::test_host> host_;
 };
 
-// One match of a lookup result.
+// One match of a lookup result: its disc title, track titles and track comments.
 struct match {
-    std::string category, dtitle, year, genre;
+    std::string dtitle;
     std::vector<std::string> titles, comments;
 };
-// A finished lookup on `track_count` tracks, with one (label, matches) group per server.
-service_ref<lookup_state> make_lookup(std::size_t track_count,
-                                      const std::vector<std::pair<std::string, std::vector<match>>>& servers);
+// A finished lookup on as many tracks as the first match has titles, all from one server.
+service_ref<lookup_state> make_lookup(const std::vector<match>& matches);
 // Opens the tagger dialog on `state` as a finished lookup does; returns its window.
 HWND open_tagger(winhost::test_host& host, service_ref<lookup_state> state);
 
-// A top-level window of this thread with caption `title` (null when none).
-HWND find_window(const std::wstring& title);
 std::string text_of(HWND window);
-std::string item_text(HWND dialog, int id);
 RECT screen_rect(HWND window);
 
 int row_count(HWND list);
 std::string cell(HWND list, int row, int column);
 std::optional<int> selected_row(HWND list);
-bool groups_enabled(HWND list);
-// The header of group `group_id`, and the group a row is in.
-std::string group_header(HWND list, int group_id);
-int group_of_row(HWND list, int row);
-// Selects `row` as a click on it would (the list notifies its dialog).
-void select_row(HWND list, int row);
 // Focuses `row` without other changes.
 void focus_row(HWND list, int row);
 
@@ -79,15 +62,12 @@ HWND cell_editor(HWND list);
 // A left double click in the middle of a list cell (posted: pump to deliver it).
 void double_click_cell(HWND list, int row, int column);
 
-// The values of field `name` (empty when absent).
-std::vector<std::string> values_of(const tag_record& tags, const char* name);
-
 // A top-level window of thread `thread` for which `wanted` holds (null when none).
 HWND find_thread_window(DWORD thread, const std::function<bool(HWND)>& wanted);
 // A top-level window of thread `thread` titled `title`, owned by `owner` when that is given.
 HWND find_thread_window(DWORD thread, const std::wstring& title, HWND owner = nullptr);
-// The text of a message box's message.
-std::string message_box_text(HWND box);
+// A visible top-level window of this thread titled `title` (null when none).
+inline HWND find_window(const std::wstring& title) { return find_thread_window(GetCurrentThreadId(), title); }
 
 // A second pair of hands for modal windows: the main thread waits inside a modal loop (a
 // dialog, a message box) while this thread finds the window it opened and works it through
@@ -99,8 +79,6 @@ public:
     modal_hand(std::function<HWND()> find, std::function<void(HWND)> act,
                std::chrono::milliseconds limit = std::chrono::seconds(20));
     ~modal_hand();
-    modal_hand(const modal_hand&) = delete;
-    modal_hand& operator=(const modal_hand&) = delete;
     // Waits for the hand to finish; true when it found its window.
     bool join();
 

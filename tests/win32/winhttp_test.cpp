@@ -21,11 +21,6 @@ struct winhttp : ::testing::Test {
     void SetUp() override {
         if (!std::getenv("TESSELLON_CDDB_PORT")) GTEST_SKIP() << "TESSELLON_CDDB_PORT not set (scripts/test sets it)";
     }
-    // The answer to reading one entry of the server's database.
-    file_ptr open_entry(abort_source& abort) {
-        return fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
-                        filesystem::open_mode::read, abort);
-    }
 };
 
 // Asks the local server to misbehave (or, with "none", to stop) for the tests that follow.
@@ -48,22 +43,23 @@ public:
     std::atomic<bool> retired{false}, aborting{false};
 };
 
-std::string read_byte_by_byte(file& f, abort_source& abort) {
-    std::string out;
-    char c;
-    while (f.read(&c, 1, abort) == 1) out += c;
-    return out;
-}
-
 } // namespace
 
-TEST_F(winhttp, reads_an_answer_byte_by_byte) {
-    abort_source_dummy abort;
-    file_ptr f = open_entry(abort);
-    std::string body = read_byte_by_byte(*f, abort);
+TEST_F(winhttp, reads_an_answer_byte_by_byte_and_asks_the_calls_abort_source_no_more_after) {
+    counting_abort abort;
+    file_ptr f = fs->open(server_url("cmd=cddb+read+misc+d50dd30f&hello=a+b+sonatag2+0.9&proto=6").c_str(),
+                          filesystem::open_mode::read, abort);
+    std::string body;
+    for (char c; f->read(&c, 1, abort) == 1;) body += c;
     EXPECT_EQ(body.rfind("210 misc d50dd30f", 0), 0u) << body.substr(0, 80);
     EXPECT_NE(body.find("DTITLE=Various / Ska Island\r\n"), std::string::npos);
     EXPECT_EQ(body.substr(body.size() - 3), ".\r\n");
+    // The host may destroy a file later than the task that read it, and the task's abort source
+    // is gone by then.
+    abort.retired = true;
+    Sleep(300);  // time for anything still running in the background to ask
+    f.reset();
+    EXPECT_EQ(abort.asked_after_retiring.load(), 0);
 }
 
 TEST_F(winhttp, an_unknown_path_is_not_found_and_names_the_url) {
@@ -77,36 +73,16 @@ TEST_F(winhttp, an_unknown_path_is_not_found_and_names_the_url) {
     }
 }
 
-TEST_F(winhttp, a_refused_connection_is_an_io_error) {
-    abort_source_dummy abort;
-    EXPECT_THROW(fs->open("http://127.0.0.1:1/", filesystem::open_mode::read, abort), tunehall_io::exception_io);
-}
-
-TEST_F(winhttp, an_abort_before_opening_sends_nothing) {
-    abort_source_impl abort;
-    abort.abort();
-    EXPECT_THROW(fs->open(server_url("cmd=sites&hello=a+b+c+d&proto=6").c_str(), filesystem::open_mode::read, abort),
+TEST_F(winhttp, a_refused_connection_an_early_abort_and_writing_fail_with_their_exceptions) {
+    abort_source_dummy ready;
+    EXPECT_THROW(fs->open("http://127.0.0.1:1/", filesystem::open_mode::read, ready), tunehall_io::exception_io);
+    EXPECT_THROW(fs->open(server_url("x").c_str(), filesystem::open_mode::write_new, ready), tunehall_io::exception_io_denied);
+    abort_source_impl aborted;
+    aborted.abort();
+    EXPECT_THROW(fs->open(server_url("cmd=sites&hello=a+b+c+d&proto=6").c_str(), filesystem::open_mode::read, aborted),
                  tunehall_io::exception_aborted);
-}
-
-TEST_F(winhttp, writing_to_a_url_is_refused) {
-    abort_source_dummy abort;
-    EXPECT_THROW(fs->open(server_url("x").c_str(), filesystem::open_mode::write_new, abort), tunehall_io::exception_io_denied);
     EXPECT_TRUE(fs->is_our_path("https://example.invalid/"));
     EXPECT_FALSE(fs->is_our_path("C:\\music\\a.flac"));
-}
-
-TEST_F(winhttp, a_call_s_abort_source_is_not_asked_after_the_call_returned) {
-    // The host may destroy a file later than the task that read it, and the task's abort source
-    // is gone by then.
-    counting_abort abort;
-    file_ptr f = open_entry(abort);
-    std::string body = read_byte_by_byte(*f, abort);
-    EXPECT_EQ(body.rfind("210 ", 0), 0u) << body.substr(0, 80);
-    abort.retired = true;
-    Sleep(300);  // time for anything still running in the background to ask
-    f.reset();
-    EXPECT_EQ(abort.asked_after_retiring.load(), 0);
 }
 
 TEST_F(winhttp, an_abort_ends_a_read_that_waits_for_a_slow_server) {
