@@ -9,23 +9,16 @@
 namespace tagger_testing {
 namespace {
 
-struct split_case {
-    const char* text;
-    bool splits;
-    const char* first;
-    const char* second;
-};
-
 TEST(split_artist_title, splits_at_the_first_separator_only) {
-    const split_case cases[] = {
-        {"Artist X / Song / Live", true, "Artist X", "Song / Live"},
-        {"Band / Song", true, "Band", "Song"},
-        {" / ", true, "", ""},
-        {"Band / ", true, "Band", ""},
-        // A slash without blanks on both sides is part of the name.
-        {"AC/DC", false, "untouched", "untouched"},
-        {"Band /Song", false, "untouched", "untouched"},
-        {"Intro", false, "untouched", "untouched"},
+    // A slash without blanks on both sides is part of the name.
+    const struct {
+        const char *text;
+        bool splits;
+        const char *first, *second;
+    } cases[] = {
+        {"Artist X / Song / Live", true, "Artist X", "Song / Live"}, {"Band / Song", true, "Band", "Song"},
+        {" / ", true, "", ""}, {"Band / ", true, "Band", ""}, {"AC/DC", false, "untouched", "untouched"},
+        {"Band /Song", false, "untouched", "untouched"}, {"Intro", false, "untouched", "untouched"},
         {"", false, "untouched", "untouched"},
     };
     for (const auto& c : cases) {
