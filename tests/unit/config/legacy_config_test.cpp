@@ -1,5 +1,5 @@
-// The old-style configuration stream, through real files opened with the host's file layer:
-// what the export writes, what the import gives each variable, and where either stops.
+// The old-style configuration stream through real files: what the export writes, what the
+// import gives each variable, and where either stops.
 
 #include <cstdint>
 #include <cstring>
@@ -68,8 +68,7 @@ void export_to(const std::filesystem::path& path, const cfg_legacy_record* recor
 
 void import_from(const std::filesystem::path& path, cfg_var_base* variables) {
     abort_source_dummy abort;
-    file_ptr in = filesystem::g_open(path.string().c_str(), filesystem::open_mode::read, abort);
-    legacy_config_import(variables, *in, abort);
+    legacy_config_import(variables, *filesystem::g_open(path.string().c_str(), filesystem::open_mode::read, abort), abort);
 }
 
 // The two kinds of variable the component has, on a list of the test's own.
@@ -145,29 +144,29 @@ TEST(legacy_config, import_gives_each_variable_its_value) {
     }
 }
 
-TEST(legacy_config, a_value_cut_short_or_a_length_without_its_value_is_malformed_data) {
-    std::string whole = entry(email_guid, "a@example.org");
-    for (const std::string& stream : {whole.substr(0, whole.size() - 3), guid_bytes(email_guid) + u32(0xFFFFFFF0) + "short"}) {
+// A value cut short, or a length without its value, is malformed; an abort stops the import.
+// Either way no variable changes.
+TEST(legacy_config, a_cut_value_or_an_abort_stops_the_import_changing_nothing) {
+    const std::string whole = entry(email_guid, "a@example.org");
+    const struct {
+        std::string stream;
+        bool aborted;
+    } cases[] = {{whole.substr(0, whole.size() - 3), false},
+                 {guid_bytes(email_guid) + u32(0xFFFFFFF0) + "short", false},
+                 {whole, true}};
+    for (const auto& c : cases) {
         test_host th;
         auto path = th.profile() / "cut.cfg";
-        testing_support::write_file(path, stream);
+        testing_support::write_file(path, c.stream);
         variables v;
-        EXPECT_THROW(import_from(path, v.list), tunehall_io::exception_io_data);
+        abort_source_impl abort;
+        if (c.aborted) abort.abort();
+        abort_source_dummy open_abort;
+        file_ptr in = filesystem::g_open(path.string().c_str(), filesystem::open_mode::read, open_abort);
+        if (c.aborted) EXPECT_THROW(legacy_config_import(v.list, *in, abort), tunehall_io::exception_aborted);
+        else EXPECT_THROW(legacy_config_import(v.list, *in, abort), tunehall_io::exception_io_data);
         EXPECT_EQ(v.email.get(), fallback_email);
     }
-}
-
-TEST(legacy_config, import_stops_when_aborted) {
-    test_host th;
-    auto path = th.profile() / "legacy.cfg";
-    testing_support::write_file(path, entry(email_guid, "a@b"));
-    variables v;
-    abort_source_dummy open_abort;
-    file_ptr in = filesystem::g_open(path.string().c_str(), filesystem::open_mode::read, open_abort);
-    abort_source_impl abort;
-    abort.abort();
-    EXPECT_THROW(legacy_config_import(v.list, *in, abort), tunehall_io::exception_aborted);
-    EXPECT_EQ(v.email.get(), fallback_email);
 }
 
 } // namespace

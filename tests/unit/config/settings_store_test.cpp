@@ -8,6 +8,7 @@
 
 #include "config/settings.h"
 #include "support/test_host.h"
+#include "unit/config/server_record_maker.h"
 
 namespace {
 
@@ -16,16 +17,6 @@ using testing_support::test_host;
 // The store as the next session will see it: a second store opened on the same file.
 service_ref<hostkit::config_store_file> reopen_store(const test_host& th) {
     return make_service<hostkit::config_store_file>(th.profile() / hostkit::host::config_file_name);
-}
-
-server_record make_record(const char* server, const char* port, const char* description) {
-    server_record r;
-    r.set_server(server);
-    r.set_protocol("http");
-    r.set_port(port);
-    r.set_address("/~cddb/cddb.cgi");
-    r.set_description(description);
-    return r;
 }
 
 constexpr GUID text_guid = {0x3c1f0d52, 0x7a40, 0x4e1b, {0x9b, 0x6e, 0x0a, 0x5d, 0x22, 0xc4, 0x81, 0x07}};
@@ -40,14 +31,6 @@ TEST(cfg_var_key, is_prefix_and_upper_case_guid_without_braces_keeping_leading_z
          "cfg_var.FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF"},
     };
     for (const auto& [guid, key] : cases) EXPECT_EQ(cfg_var_key(guid), key);
-}
-
-TEST(cfg_email, setting_its_current_value_writes_nothing) {
-    test_host th;
-    std::size_t before = th.config_saves();
-    cfg_email.set(cfg_email.get());
-    EXPECT_EQ(th.config_saves(), before);
-    EXPECT_EQ(reopen_store(th)->get_string(cfg_var_key(cfg_email.guid()).c_str(), "<absent>"), "<absent>");
 }
 
 TEST(cfg_email, is_on_the_component_list_under_its_own_guid) {
@@ -66,7 +49,7 @@ TEST(cfg_string_store, reads_the_default_or_the_stored_value_once_and_writes_eac
     cfg_var_base* list = nullptr;
     cfg_string email(text_guid, "user@tessellon.invalid", list);
     EXPECT_EQ(email.get(), "user@tessellon.invalid");
-    email.set("user@tessellon.invalid");  // the default, before any write: nothing to save
+    email.set("user@tessellon.invalid");  // the value it has, before any write: nothing to save
     EXPECT_EQ(th.config_saves(), 0u);
     // Another writer of the store is not seen: the value is read once per process.
     th.host().config().set_string(cfg_var_key(text_guid).c_str(), "changed behind its back");
@@ -104,42 +87,35 @@ TEST(cfg_int_store, default_then_stored_value_then_written_once_per_change) {
 }
 
 
-TEST(server_list_store, missing_blob_loads_the_builtin_server_and_writes_nothing) {
-    test_host th;
-    server_list list = load_server_list();
-    server_list builtin;
-    reset_server_list(builtin);
-    EXPECT_EQ(list, builtin);
-    EXPECT_EQ(th.config_saves(), 0u);
-}
-
 TEST(server_list_store, saved_list_comes_back_in_order_from_the_file) {
     test_host th;
-    server_list list{make_record("b.example.org", "8880", "second \xE2\x80\x93 mirror"),
-                     make_record("a.example.org", "80", ""), make_record("", "", "")};
+    server_list list{make_server_record("b.example.org", "http", "8880", "/~cddb/cddb.cgi", "second \xE2\x80\x93 mirror"),
+                     make_server_record("a.example.org", "http", "80", "/~cddb/cddb.cgi", ""),
+                     make_server_record("", "http", "", "/~cddb/cddb.cgi", "")};
     save_server_list(list);
     EXPECT_EQ(th.config_saves(), 1u);
     EXPECT_EQ(load_server_list(), list);
-
     service_ref<memory_block> blob = reopen_store(th)->get_blob("discora.servers");
     ASSERT_TRUE(blob);
     EXPECT_EQ(std::string(static_cast<const char*>(blob->data()), blob->size()), encode_server_list(list));
 }
 
-TEST(server_list_store, damaged_blob_loads_the_builtin_server_and_leaves_the_store_alone) {
-    test_host th;
-    std::string blob = encode_server_list({make_record("a.example.org", "80", "a")});
-    blob.resize(blob.size() - 1);
-    th.host().config().set_blob("discora.servers", blob.data(), blob.size());
-    std::size_t saves = th.config_saves();
-
+TEST(server_list_store, a_missing_or_damaged_blob_loads_the_builtin_server_and_leaves_the_store_alone) {
     server_list builtin;
     reset_server_list(builtin);
-    EXPECT_EQ(load_server_list(), builtin);
-    EXPECT_EQ(th.config_saves(), saves);
-    service_ref<memory_block> kept = reopen_store(th)->get_blob("discora.servers");
-    ASSERT_TRUE(kept);
-    EXPECT_EQ(std::string(static_cast<const char*>(kept->data()), kept->size()), blob);
+    std::string damaged = encode_server_list({make_server_record("a.example.org", "http", "80", "/", "a")});
+    damaged.pop_back();
+    for (bool stored : {false, true}) {
+        SCOPED_TRACE(stored ? "damaged" : "missing");
+        test_host th;
+        if (stored) th.host().config().set_blob("discora.servers", damaged.data(), damaged.size());
+        const std::size_t saves = th.config_saves();
+        EXPECT_EQ(load_server_list(), builtin);
+        EXPECT_EQ(th.config_saves(), saves);
+        service_ref<memory_block> kept = reopen_store(th)->get_blob("discora.servers");
+        EXPECT_EQ(kept ? std::string(static_cast<const char*>(kept->data()), kept->size()) : "<absent>",
+                  stored ? damaged : "<absent>");
+    }
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 #pragma once
-// Driving the preferences page as the host and the user do: the page is found among the
-// component's services by its GUID and instantiated; the user types, clicks and selects on its
-// window, and answers the server editor once it waits for input. Shared by the unit tests and
-// the retrieval tests against the local CDDB server.
+// Driving the preferences page as the host and the user do: the page found by its GUID among the
+// component's services, and the server editor answered once it waits for input.
 
 #include <cstdint>
 #include <functional>
@@ -35,30 +33,18 @@ inline void PrintTo(const server_record& r, std::ostream* os) {
 
 namespace preferences_testing {
 
-// The controls of the page and of the server editor.
 enum page_control : int {
-    email = IDC_PREFS_EMAIL,
-    servers = IDC_PREFS_SERVERS,
-    add_button = IDC_PREFS_ADD,
-    edit_button = IDC_PREFS_EDIT,
-    remove_button = IDC_PREFS_REMOVE,
-    retrieve_button = IDC_PREFS_RETRIEVE,
+    email = IDC_PREFS_EMAIL, servers = IDC_PREFS_SERVERS, add_button = IDC_PREFS_ADD, edit_button = IDC_PREFS_EDIT,
+    remove_button = IDC_PREFS_REMOVE, retrieve_button = IDC_PREFS_RETRIEVE,
 };
 enum editor_control : int {
-    ok = 1,      // IDOK
-    cancel = 2,  // IDCANCEL
-    protocol_field = IDC_EDITOR_PROTOCOL,
-    server_field = IDC_EDITOR_SERVER,
-    port_field = IDC_EDITOR_PORT,
-    address_field = IDC_EDITOR_ADDRESS,
-    description_field = IDC_EDITOR_DESCRIPTION,
+    ok = 1, cancel = 2,  // IDOK, IDCANCEL
+    protocol_field = IDC_EDITOR_PROTOCOL, server_field = IDC_EDITOR_SERVER, port_field = IDC_EDITOR_PORT,
+    address_field = IDC_EDITOR_ADDRESS, description_field = IDC_EDITOR_DESCRIPTION,
 };
 constexpr std::uint32_t unchanged_state = 0x10008, changed_state = 0x10009;
 
-inline server_record make_server(const char* server, const char* protocol, const char* port, const char* address,
-                                 const char* description) {
-    return make_server_record(server, protocol, port, address, description);
-}
+inline constexpr auto& make_server = make_server_record;
 
 inline server_record builtin_server() {
     server_record r;
@@ -66,28 +52,25 @@ inline server_record builtin_server() {
     return r;
 }
 
-// The server list blob in the host's store now, or std::nullopt when there is none.
 inline std::optional<std::string> stored_server_blob() {
     service_ref<memory_block> blob = host_service<host_config_store>()->get_blob("discora.servers");
     if (!blob) return std::nullopt;
     return std::string(static_cast<const char*>(blob->data()), blob->size());
 }
 
-// The component's page, as the host's preferences window finds it.
 inline service_ref<preferences_page> find_page() {
     for (auto& page : all_services<preferences_page>())
         if (tunehall::guid_equal(page->get_guid(), preferences_page_guid)) return page;
     throw std::logic_error("the component registers no page under its GUID");
 }
 
-// The host's side of an open page: how often the page said its state changed.
+// How often the page told the host its state changed.
 class state_counter : public preferences_page_callback {
 public:
     void on_state_changed() override { ++calls; }
     int calls = 0;
 };
 
-// One open page, held as the host's preferences window holds it.
 class open_page {
 public:
     explicit open_page(HWND parent = nullptr)
@@ -104,7 +87,7 @@ public:
     // The host closes its preferences window without applying.
     void close() { instance_.reset(); }
 
-    // The rows the list shows: server and description of each.
+    // Server and description of each row.
     std::vector<std::pair<std::string, std::string>> rows() const {
         std::vector<std::pair<std::string, std::string>> out;
         for (std::size_t r = 0, n = view_->list_row_count(servers); r < n; ++r)
@@ -118,11 +101,10 @@ private:
     headless_view* view_ = nullptr;
 };
 
-// The server editor open now, found the way the host finds the open modal dialog.
 inline headless_view* open_editor() { return headless_view::from_handle(ModalDialog_Current()); }
 
-// Queues what the user does in the next server editor: `act` runs on it once it waits for input
-// (the editor's modal loop serves the host's main-thread queue). `act` must end the editor.
+// `act` runs on the next server editor once its modal loop serves the main-thread queue; it must
+// end the editor.
 inline void when_editor_opens(std::function<void(headless_view&)> act) {
     host_service<main_thread_queue>()->post([act = std::move(act)] {
         if (headless_view* editor = open_editor())
@@ -132,8 +114,7 @@ inline void when_editor_opens(std::function<void(headless_view&)> act) {
     });
 }
 
-// Queues a check that no editor opens: one that does is cancelled (so the test cannot hang) and
-// noted in `opened`.
+// An editor that opens anyway is cancelled (so the test cannot hang) and noted in `opened`.
 inline void expect_no_editor(bool& opened) {
     host_service<main_thread_queue>()->post([&opened] {
         if (headless_view* editor = open_editor()) {
@@ -143,7 +124,6 @@ inline void expect_no_editor(bool& opened) {
     });
 }
 
-// Runs what is still queued for the main thread (answers no editor took).
 inline void run_queued() {
     host_service<main_thread_queue>()->run_until([] { return true; });
 }

@@ -10,66 +10,64 @@
 namespace tagger_testing {
 namespace {
 
-using edit_position = headless_view::edit_position;
+using cell = std::optional<std::pair<std::size_t, int>>;
+using texts = std::vector<std::string>;
 
-bool same_cell(const std::optional<edit_position>& at, std::optional<std::pair<std::size_t, int>> expected) {
-    if (!at || !expected) return !at && !expected;
-    return at->list == tracks && at->row == expected->first && at->column == expected->second;
+// Where the track list's in-place editor is open.
+cell editing_cell(const headless_view& view) {
+    auto at = view.editing();
+    if (!at) return std::nullopt;
+    EXPECT_EQ(at->list, tracks);
+    return std::pair{at->row, at->column};
 }
 
-TEST_F(tagger_test, one_server_with_three_matches_lists_them_without_headers_and_shows_the_first) {
+TEST_F(tagger_test, the_match_list_shows_each_servers_matches_and_the_first_match_found) {
     match first = numbered_match("Band / First Album", 4, "rock");
     first.year = "1999";
     first.genre = "Rock";
     first.comments = {"", "", "live"};
-    headless_view& view =
-        open(make_lookup(4, {{"Server", {first, numbered_match("Other Band / Second", 4, "misc"), numbered_match("Solo", 4, "jazz")}}}));
-
-    EXPECT_TRUE(view.shown());
-    EXPECT_EQ(view.get_text(matches_group), "Matches (3)");
-    EXPECT_FALSE(view.groups_enabled(matches));
-    ASSERT_EQ(view.list_row_count(matches), 3u);
-    const char* labels[] = {"Band / First Album (rock)", "Other Band / Second (misc)", "Solo / Solo (jazz)"};
-    for (std::size_t r = 0; r < 3; ++r) {
-        EXPECT_EQ(view.list_get_cell(matches, r, 0), labels[r]);
-        EXPECT_EQ(view.row_group_header(matches, r), "");
+    const struct {
+        std::vector<std::pair<std::string, std::vector<match>>> servers;
+        const char* group;
+        bool headers;
+        texts labels, header_texts;
+        std::optional<std::size_t> selected;
+    } cases[] = {
+        {{{"Server", {first, numbered_match("Other Band / Second", 4, "misc"), numbered_match("Solo", 4, "jazz")}}},
+         "Matches (3)", false, {"Band / First Album (rock)", "Other Band / Second (misc)", "Solo / Solo (jazz)"},
+         {"", "", ""}, 0},
+        // Headers once there are two servers; the first match found is shown even if not in the first row.
+        {{{"Main server", {}}, {"Mirror", {first, numbered_match("Band / Album (Remaster)", 4, "misc")}}},
+         "Matches (2)", true, {"No matches found", "Band / First Album (rock)", "Band / Album (Remaster) (misc)"},
+         {"Main server (0 matches)", "Mirror (2 matches)", "Mirror (2 matches)"}, 1},
+        {{{"Server", {}}}, "&Matches", false, {}, {}, std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.group);
+        headless_view& view = open(make_lookup(4, c.servers));
+        EXPECT_TRUE(view.shown());
+        EXPECT_EQ(view.get_text(matches_group), c.group);
+        EXPECT_EQ(view.groups_enabled(matches), c.headers);
+        texts labels, headers;
+        for (std::size_t r = 0; r < view.list_row_count(matches); ++r) {
+            labels.push_back(view.list_get_cell(matches, r, 0));
+            headers.push_back(view.row_group_header(matches, r));
+        }
+        EXPECT_EQ(labels, c.labels);
+        EXPECT_EQ(headers, c.header_texts);
+        EXPECT_EQ(view.list_selection(matches), c.selected);
+        EXPECT_EQ(view.is_enabled(update_files), c.selected.has_value());
+        EXPECT_EQ(column_texts(view, 0), (texts{"1", "2", "3", "4"}));
+        if (c.selected) {
+            EXPECT_EQ(view.get_text(artist), "Band");
+            EXPECT_EQ(view.get_text(album), "First Album");
+            EXPECT_EQ(view.get_text(year), "1999");
+            EXPECT_EQ(view.get_text(genre), "Rock");
+            EXPECT_EQ(column_texts(view, title_column), (texts{"Title 1", "Title 2", "Title 3", "Title 4"}));
+            EXPECT_EQ(column_texts(view, comment_column), (texts{"", "", "live", ""}));
+        }
+        view.close();
     }
-    EXPECT_EQ(view.list_selection(matches), 0u);
-    EXPECT_EQ(view.get_text(artist), "Band");
-    EXPECT_EQ(view.get_text(album), "First Album");
-    EXPECT_EQ(view.get_text(year), "1999");
-    EXPECT_EQ(view.get_text(genre), "Rock");
-    EXPECT_EQ(column_texts(view, 0), (std::vector<std::string>{"1", "2", "3", "4"}));
-    EXPECT_EQ(column_texts(view, title_column), (std::vector<std::string>{"Title 1", "Title 2", "Title 3", "Title 4"}));
-    EXPECT_EQ(column_texts(view, comment_column), (std::vector<std::string>{"", "", "live", ""}));
-    EXPECT_TRUE(view.is_enabled(update_files));
-}
-
-TEST_F(tagger_test, two_servers_the_first_empty_get_headers_and_the_second_servers_first_match) {
-    headless_view& view = open(make_lookup(
-        3, {{"Main server", {}}, {"Mirror", {numbered_match("Band / Album", 3), numbered_match("Band / Album (Remaster)", 3, "misc")}}}));
-
-    EXPECT_EQ(view.get_text(matches_group), "Matches (2)");
-    EXPECT_TRUE(view.groups_enabled(matches));
-    ASSERT_EQ(view.list_row_count(matches), 3u);
-    EXPECT_EQ(view.list_get_cell(matches, 0, 0), "No matches found");
-    EXPECT_EQ(view.row_group_header(matches, 0), "Main server (0 matches)");
-    EXPECT_EQ(view.list_get_cell(matches, 1, 0), "Band / Album (rock)");
-    EXPECT_EQ(view.row_group_header(matches, 1), "Mirror (2 matches)");
-    EXPECT_EQ(view.list_get_cell(matches, 2, 0), "Band / Album (Remaster) (misc)");
-    EXPECT_EQ(view.row_group_header(matches, 2), "Mirror (2 matches)");
-
-    EXPECT_EQ(view.list_selection(matches), 1u);
-    EXPECT_EQ(view.get_text(album), "Album");
-}
-
-TEST_F(tagger_test, a_lookup_without_matches_leaves_update_files_disabled) {
-    headless_view& view = open(make_lookup(3, {{"Server", {}}}));
-    EXPECT_TRUE(view.shown());
-    EXPECT_FALSE(view.is_enabled(update_files));
-    EXPECT_EQ(view.get_text(matches_group), "&Matches");
-    EXPECT_EQ(view.list_row_count(matches), 0u);
-    EXPECT_EQ(column_texts(view, 0), (std::vector<std::string>{"1", "2", "3"}));
 }
 
 TEST_F(tagger_test, f2_edits_the_focused_rows_title_and_shift_f2_its_comment) {
@@ -80,11 +78,11 @@ TEST_F(tagger_test, f2_edits_the_focused_rows_title_and_shift_f2_its_comment) {
     EXPECT_FALSE(view.editing());
 
     view.press_key(tracks, key_f2);
-    EXPECT_TRUE(same_cell(view.editing(), std::pair<std::size_t, int>{4, title_column}));
+    EXPECT_EQ(editing_cell(view), (cell{{4, title_column}}));
     view.finish_edit("ignored", escape);
 
     view.press_key(tracks, key_f2, true);
-    EXPECT_TRUE(same_cell(view.editing(), std::pair<std::size_t, int>{4, comment_column}));
+    EXPECT_EQ(editing_cell(view), (cell{{4, comment_column}}));
     view.finish_edit("Bonus track", enter);
     EXPECT_EQ(view.list_get_cell(tracks, 4, comment_column), "Bonus track");
     EXPECT_EQ(view.list_get_cell(tracks, 4, title_column), "Title 5");
@@ -96,15 +94,14 @@ TEST_F(tagger_test, a_click_edits_title_and_comment_cells_only) {
     for (auto [column, edits] : clicks) {
         SCOPED_TRACE(column);
         view.click_cell(tracks, 1, column);
-        EXPECT_TRUE(same_cell(view.editing(), edits ? std::optional(std::pair<std::size_t, int>{1, column}) : std::nullopt));
+        EXPECT_EQ(editing_cell(view), (edits ? cell{{1, column}} : std::nullopt));
         if (view.editing()) view.finish_edit("", escape);
     }
 }
 
 // Rows 0..2, each "Title n" with an empty comment; the editor ends holding "new".
 TEST_F(tagger_test, the_cell_editor_commits_and_moves_as_the_key_says) {
-    using cell = std::optional<std::pair<std::size_t, int>>;
-    using v = std::vector<std::string>;
+    using v = texts;
     const struct {
         std::size_t row;
         int column;
@@ -129,24 +126,10 @@ TEST_F(tagger_test, the_cell_editor_commits_and_moves_as_the_key_says) {
         view.finish_edit("new", c.end);
         EXPECT_EQ(column_texts(view, title_column), c.titles);
         EXPECT_EQ(column_texts(view, comment_column), c.comments);
-        EXPECT_TRUE(same_cell(view.editing(), c.next));
+        EXPECT_EQ(editing_cell(view), c.next);
         if (view.editing()) view.finish_edit("", escape);
         view.close();
     }
-}
-
-TEST_F(tagger_test, tab_walks_every_editable_cell_in_reading_order) {
-    headless_view& view = open(make_lookup(2, {{"Server", {numbered_match("A / B", 2)}}}));
-    view.click_cell(tracks, 0, title_column);
-    const char* typed[] = {"t1", "c1", "t2", "c2"};
-    for (const char* text : typed) {
-        ASSERT_TRUE(view.editing()) << "the editor closed before " << text;
-        view.finish_edit(text, tab);
-    }
-    EXPECT_FALSE(view.editing());
-    EXPECT_EQ(column_texts(view, 0), (std::vector<std::string>{"1", "2"}));
-    EXPECT_EQ(column_texts(view, title_column), (std::vector<std::string>{"t1", "t2"}));
-    EXPECT_EQ(column_texts(view, comment_column), (std::vector<std::string>{"c1", "c2"}));
 }
 
 TEST_F(tagger_test, the_wipe_box_shows_the_setting_and_the_next_dialog_remembers_a_click) {
@@ -180,27 +163,22 @@ TEST(tagger_without_preferences_window, settings_leaves_the_dialog_open_and_quie
     host.add_service(modeless_window_manager::class_guid, windows);
     all_services<tagger_dialog_factory>().front()->open(nullptr, make_lookup(1, {{"Server", {numbered_match("A / B", 1)}}}));
     ASSERT_EQ(windows->open().size(), 1u);
-    headless_view* view = headless_view::from_handle(windows->open()[0].handle);
-    ASSERT_NE(view, nullptr);
-
-    view->click(settings);
-    EXPECT_FALSE(view->destroyed());
-    EXPECT_TRUE(view->messages().empty());
+    headless_view& view = *headless_view::from_handle(windows->open()[0].handle);
+    view.click(settings);
+    EXPECT_FALSE(view.destroyed());
+    EXPECT_TRUE(view.messages().empty());
     EXPECT_TRUE(host.popups().empty());
-    view->close();
+    view.close();  // the close request, as the user's window frame sends it
     EXPECT_TRUE(windows->open().empty());
 }
 
-TEST_F(tagger_test, close_and_the_close_request_take_the_window_away) {
-    for (bool by_button : {true, false}) {
-        SCOPED_TRACE(by_button ? "&Close" : "close request");
-        headless_view& view = open(make_lookup(1, {{"Server", {numbered_match("A / B", 1)}}}));
-        HWND window = view.handle();
-        if (by_button) view.click(close_button);
-        else view.close();
-        EXPECT_TRUE(closed(window));
-        EXPECT_TRUE(updates->calls().empty());
-    }
+// The close request is checked above and with a pending update (tag_writing_test).
+TEST_F(tagger_test, the_close_button_takes_the_window_away) {
+    headless_view& view = open(make_lookup(1, {{"Server", {numbered_match("A / B", 1)}}}));
+    HWND window = view.handle();
+    view.click(close_button);
+    EXPECT_TRUE(closed(window));
+    EXPECT_TRUE(updates->calls().empty());
 }
 
 } // namespace

@@ -76,14 +76,12 @@ tagger_test::tagger_test() {
     host.add_service(modeless_window_manager::class_guid, windows);
     host.add_service(preferences_window::class_guid, preferences);
     host.add_service(tag_update::class_guid, updates);
-    // The setting outlives a host in this process; every test starts from "keep", and the value
-    // found is put back for the tests that follow.
+    // The setting outlives a host in this process: start from "keep", put the old value back after.
     wipe_before_ = cfg_wipe_existing_tags.get();
     cfg_wipe_existing_tags.set(0);
 }
 
 tagger_test::~tagger_test() {
-    // Dialogs a test left open are closed as the user would, before the host goes.
     for (auto& window : windows->open())
         if (auto* view = headless_view::from_handle(window.handle)) view->close();
     cfg_wipe_existing_tags.set(wipe_before_);
