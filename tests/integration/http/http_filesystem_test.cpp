@@ -12,13 +12,38 @@
 
 #include <gtest/gtest.h>
 
-#include "cddb_test_server.h"
+#include <tunehall/stream.h>
+
+#include "http/http_filesystem.h"
+#include "support/local_server.h"
 #include "support/test_host.h"
 
-using namespace http_tests;
 using testing_support::local_server;
 
 namespace {
+
+const std::string cddb_server_script = "tests/servers/cddb_server.py";
+const std::string cgi_path = "/~cddb/cddb.cgi";
+
+// "/~cddb/cddb.cgi?cmd=<command>&hello=...&proto=6" for a command already in query form.
+std::string cddb_target(const std::string& command) {
+    return cgi_path + "?cmd=" + command + "&hello=ann+mailhost+sonatag2+0.9&proto=6";
+}
+
+// Read one byte at a time, as the component reads an answer.
+std::string read_bytewise(file& f, abort_source& abort) {
+    std::string body;
+    char c;
+    while (f.read(&c, 1, abort) == 1) body += c;
+    return body;
+}
+
+// The whole body at `url`, through the host's HTTP handler.
+std::string fetch(const std::string& url) {
+    abort_source_dummy abort;
+    file_ptr f = make_http_filesystem()->open(url.c_str(), filesystem::open_mode::read, abort);
+    return read_bytewise(*f, abort);
+}
 
 const filesystem::open_mode read_mode = filesystem::open_mode::read;
 
