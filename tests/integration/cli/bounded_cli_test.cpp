@@ -9,9 +9,7 @@
 #include <thread>
 
 #include "support/audio_files.h"
-#include "support/local_server.h"
-#include "support/run_program.h"
-#include "support/temp_folder.h"
+#include "support/tessellon_cli.h"
 #include "unit/musicbrainz/mb_test_data.h"
 
 using namespace testing_support;
@@ -33,18 +31,16 @@ struct fault_case {
 
 std::ostream& operator<<(std::ostream& out, const fault_case& c) { return out << c.cddb_fault; }
 
-struct bounded_cli : ::testing::TestWithParam<fault_case> {
-    temp_folder profile{"tessellon-bounded"};
+struct bounded_cli : ::testing::TestWithParam<fault_case>, tessellon_cli {
     temp_folder music{"tessellon-bounded-album"};
     local_server cddb{"tests/servers/cddb_server.py", {"--sites", "tests/servers/cddb_db/sites.txt"}};
     local_server musicbrainz{"tests/servers/musicbrainz_server.py"};
     mb_testing::scoped_environment service_host{"TESSELLON_MUSICBRAINZ_HOST",
                                                 ("127.0.0.1:" + std::to_string(musicbrainz.port())).c_str()};
 
-    program_result run(std::vector<std::string> args) {
-        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string(), "--timeout",
-                                   std::to_string(timeout_seconds)});
-        return run_program(args);
+    program_result run(std::vector<std::string> args) const {
+        args.insert(args.begin(), {"--timeout", std::to_string(timeout_seconds)});
+        return tessellon_cli::run(args);
     }
 };
 
@@ -101,13 +97,7 @@ INSTANTIATE_TEST_SUITE_P(faults, bounded_cli,
                              return name.substr(0, name.find(':'));
                          });
 
-struct shared_profile : ::testing::Test {
-    temp_folder profile{"tessellon-shared"};
-    program_result run(std::vector<std::string> args) {
-        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
-        return run_program(args);
-    }
-};
+struct shared_profile : ::testing::Test, tessellon_cli {};
 
 TEST_F(shared_profile, twenty_concurrent_additions_are_all_kept) {
     std::vector<std::thread> runs;
