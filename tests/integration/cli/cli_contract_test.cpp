@@ -116,6 +116,7 @@ TEST_F(cli_contract, each_command_keeps_its_exit_status_names_its_server_and_pri
          R"({"tracks":[""],"servers":[{"description":"","matches":[]}]})"},
         {{"show", album.string(), "--json"}, 0, "", "", R"({"tracks":[{"path":"","length":null,"fields":[[""]]}]})"},
         {{"tag", album.string(), "--dry-run", "--json"}, 0, "", "", R"({"tracks":[{"path":"","fields":[null]}]})"},
+        {{"tag", album.string(), "--match", "5"}, 2, "--match 5: there are 1 matches"},
         {{"musicbrainz", ziggy.string(), "--write", "--json"}, 0, "", "",
          R"({"disc_id":"","release":{"title":"","album_artist":[""],"date":"","disc_number":0,"total_discs":0,)"
          R"("tracks":[{"title":"","artist":[""]}]}})",

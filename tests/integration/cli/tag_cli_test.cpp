@@ -244,13 +244,6 @@ TEST_F(tag_cli, on_a_terminal_an_answer_other_than_y_writes_nothing) {
     EXPECT_EQ(folder_bytes(folder), before);
 }
 
-TEST_F(tag_cli, a_match_number_beyond_the_matches_is_bad_usage) {
-    auto folder = album(audio_format::flac);
-    auto r = run({"tag", folder.string(), "--match", "5"});
-    EXPECT_EQ(r.exit_code, 2);
-    EXPECT_NE(r.err.find("--match 5: there are 1 matches"), std::string::npos) << r.err;
-}
-
 // With `config id3 2.3` an MP3 gets an ID3v2.3 tag (the date as TYER) that
 // id3lib's id3v2 and mutagen read; the ID3v1 tag the file had is gone.
 TEST_F(tag_cli, id3_2_3_is_written_when_asked_and_read_by_other_readers) {
