@@ -4,7 +4,7 @@
 It answers `cddb query`, `cddb read`, `cddb lscat` and `sites` from a folder of
 `<category>/<discid>` files in xmcd format. A query matches exactly the entries with its disc
 id (200 for one, 210 for several); when there is none, entries with as many tracks whose frame
-offsets are all within --tolerance frames match inexactly (211); otherwise 202. Entries are
+offsets are all within 30 frames match inexactly (211); otherwise 202. Entries are
 sent as their bytes, each line ended by CR LF.
 
 Every request except those to /control is recorded (path and query exactly as received) so
@@ -39,8 +39,6 @@ faults (comma-separated; "none" clears):
   slow:SECONDS    wait before each line of the answer (headers go out at once)
   cut             declare the full length, then close the connection in the middle of a line
   long-line[:N]   put a line of N bytes (default 16385) after the status line
-  bad-utf8        put a line that is not valid UTF-8 after the status line
-  no-terminator   leave out the "." that ends a body
   empty-body      answer HTTP 200 with no bytes at all
   many:N          a complete, valid answer whose list or entry has N lines
   garbage         answer 4 KiB of bytes that are no CDDB answer at all
@@ -54,6 +52,7 @@ STATUS_TEXTS = {
 }
 
 DISCID = re.compile(rb"^[0-9a-f]{8}$")
+TOLERANCE = 30  # frames each offset may differ by for an inexact match
 
 
 # ---------------------------------------------------------------------------------------------
@@ -159,7 +158,7 @@ class database:
 SYNTAX_ERROR = [b"500 Command syntax error: incorrect number of arguments."]
 
 
-def query_answer(args, db, tolerance):
+def query_answer(args, db):
     if len(args) < 3 or not args[1].isdigit():
         return SYNTAX_ERROR
     discid = args[0].lower()
@@ -173,7 +172,7 @@ def query_answer(args, db, tolerance):
     if exact:
         return ([b"210 Found exact matches, list follows (until terminating `.')"]
                 + [e.match_line() for e in exact] + [b"."])
-    near = db.near([int(o) for o in offsets], tolerance)
+    near = db.near([int(o) for o in offsets], TOLERANCE)
     if near:
         return ([b"211 Found inexact matches, list follows (until terminating `.')"]
                 + [e.match_line() for e in near] + [b"."])
@@ -192,14 +191,14 @@ def read_answer(args, db):
     return [status.encode()] + found.lines + [b"."]
 
 
-def cddb_answer(params, db, sites, tolerance):
+def cddb_answer(params, db, sites):
     hello = params.get("hello")
     if hello is None or len(hello.split()) != 4:
         return [b"409 No handshake."]
     words = params.get("cmd", b"").split()
     verb = [w.lower() for w in words[:2]]
     if verb[:2] == [b"cddb", b"query"]:
-        return query_answer(words[2:], db, tolerance)
+        return query_answer(words[2:], db)
     if verb[:2] == [b"cddb", b"read"]:
         return read_answer(words[2:], db)
     if verb[:2] == [b"cddb", b"lscat"]:
@@ -241,7 +240,7 @@ def parse_faults(text):
             if seconds < 0:
                 raise ValueError("slow needs seconds")
             faults.append((name, seconds))
-        elif name in ("cut", "bad-utf8", "no-terminator", "empty-body", "garbage") and not arg:
+        elif name in ("cut", "empty-body", "garbage") and not arg:
             faults.append((name, None))
         elif name == "many" and arg.isdigit():
             faults.append((name, int(arg)))
@@ -258,13 +257,8 @@ def apply_line_faults(lines, faults, command):
         code = faults.get("read-status")
     if code is not None:
         lines = [str(code).encode() + b" " + STATUS_TEXTS.get(code, b"Forced status.")]
-    if "no-terminator" in faults and len(lines) > 1 and lines[-1] == b".":
-        lines = lines[:-1]
     if "long-line" in faults:
         lines = lines[:1] + [b"x" * faults["long-line"]] + lines[1:]
-    if "bad-utf8" in faults:
-        # a latin-1 "e acute" followed by a space, and two bytes that never occur in UTF-8
-        lines = lines[:1] + [b"Caf\xe9 \xff\xfe"] + lines[1:]
     return lines
 
 
@@ -319,7 +313,7 @@ class request_handler(test_server_base.quiet_request_handler):
             code = faults["http-status"]
             return self.send_text(code, [str(code).encode() + b" forced by the test server"])
         params = parse_cgi_query(query)
-        lines = cddb_answer(params, self.server.db, self.server.sites, options.tolerance)
+        lines = cddb_answer(params, self.server.db, self.server.sites)
         head, body = listing(lines)
         if test_server_base.send_stream(self, CONTENT_TYPE, head + b"\r\n", b"".join(l + b"\r\n" for l in body), faults):
             return
@@ -396,8 +390,6 @@ def main(argv):
                         help="folder of <category>/<discid> xmcd files (default: the bundled one)")
     parser.add_argument("--path", default="/~cddb/cddb.cgi", help="address of the CGI")
     parser.add_argument("--sites", help="file of site lines for the sites command")
-    parser.add_argument("--tolerance", type=int, default=30,
-                        help="frames each offset may differ by for an inexact match")
     parser.add_argument("--redirect-from", action="append", default=[], metavar="PATH",
                         help="answer requests for PATH with a redirect to the CGI address")
     test_server_base.add_common_arguments(parser)

@@ -12,11 +12,11 @@ frames of the asked one's length, as a release list directly under metadata (as 
 answers a TOC search); no such disc gives an empty release list.
 
 Every request except those to /control is recorded (path and query exactly as received, one
-line each) so that tests can count the requests made for each path; GET /control?counts lists
-them as "<count> <path and query>" lines, GET /control?arrivals lists "<seconds> <path and
-query>" lines in arrival order (seconds on the server's monotonic clock, for checking a client's
-pacing), and GET /control?last-headers returns the header lines of the last recorded request. The server can be told to misbehave (see the faults below)
-at start (--fault) or while it runs (GET /control?fault=...).
+line each); GET /control?arrivals lists "<seconds> <path and query>" lines in arrival order
+(seconds on the server's monotonic clock, for checking a client's pacing), and GET
+/control?last-headers returns the header lines of the last recorded request. The server can be
+told to misbehave (see the faults below) at start (--fault) or while it runs (GET
+/control?fault=...).
 
 With --port 0 it picks a free port; the first line on stdout is always "PORT <n>", so tests
 can run many servers side by side. SIGTERM (or Ctrl-C) stops it cleanly.
@@ -43,7 +43,6 @@ faults (comma-separated; "none" clears):
   retry-after:S   send "Retry-After: S" (seconds) with every 503 answer
   redirect        answer lookups with 301 to the same target under /moved (served as usual)
   redirect-loop   answer every lookup with 301 to itself
-  not-found       answer every lookup with 404 and the not-found body, even known ids
   truncate        answer with only the first half of the XML (a complete HTTP answer)
   slow:SECONDS    wait before sending the body (headers go out at once)
   garbage         answer 200 with 4 KiB of bytes that are no XML at all
@@ -92,7 +91,7 @@ def parse_faults(text):
             if seconds < 0:
                 raise ValueError("slow needs seconds")
             faults[name] = seconds
-        elif name in ("not-found", "truncate", "redirect", "redirect-loop", "garbage") and not arg:
+        elif name in ("truncate", "redirect", "redirect-loop", "garbage") and not arg:
             faults[name] = None
         elif test_server_base.parse_stream_fault(name, arg):
             faults[name] = test_server_base.parse_stream_fault(name, arg)[1]
@@ -185,8 +184,6 @@ class request_handler(test_server_base.quiet_request_handler):
             return self.send_error_body(503, faults)
         if "http-status" in faults:
             return self.send_error_body(faults["http-status"], faults)
-        if "not-found" in faults:
-            return self.send_body(404, NOT_FOUND_BODY, faults)
         if not DISC_ID.match(disc_id):
             return self.send_body(400, INVALID_BODY, faults)
         answer_path = os.path.join(self.server.options.answers, disc_id + ".xml")
@@ -217,11 +214,8 @@ class request_handler(test_server_base.quiet_request_handler):
         if "last-headers" in params:
             headers = self.server.last_request_headers()
             return self.send_text(200, headers.encode("latin-1").splitlines())
-        if "counts" in params:
-            lines = ["{} {}".format(n, target).encode("latin-1") for target, n in self.server.request_counts()]
-            return self.send_text(200, lines)
         if "fault" not in params:
-            return self.send_text(400, [b"expected fault=..., counts, arrivals or last-headers"])
+            return self.send_text(400, [b"expected fault=..., arrivals or last-headers"])
         try:
             faults = parse_faults(",".join(params["fault"]))
         except ValueError as e:

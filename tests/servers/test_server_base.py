@@ -2,7 +2,6 @@
 switch of faults in force, an HTTP server that records each request, and the serving loop that
 prints the port and stops on SIGTERM or when its standard input closes."""
 
-import collections
 import http.server
 import os
 import signal
@@ -60,14 +59,12 @@ class recording_http_server(http.server.ThreadingHTTPServer):
         self._log_lock = threading.Lock()
         self._log = open(options.log, "ab") if options.log else None
         self.last_headers = ""
-        self.counts = collections.Counter()
         self.arrivals = []
 
     def record(self, request_target, headers):
         arrived = time.monotonic()
         with self._log_lock:
             self.last_headers = headers
-            self.counts[request_target] += 1
             self.arrivals.append((arrived, request_target))
             if self._log:
                 self._log.write(request_target.encode("latin-1") + b"\n")
@@ -76,10 +73,6 @@ class recording_http_server(http.server.ThreadingHTTPServer):
     def last_request_headers(self):
         with self._log_lock:
             return self.last_headers
-
-    def request_counts(self):
-        with self._log_lock:
-            return sorted(self.counts.items())
 
     def request_arrivals(self):
         """(seconds on the monotonic clock, target) of each recorded request, in arrival order."""

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -18,14 +19,6 @@ namespace {
 
 constexpr std::uint32_t sample_rate = 44100;
 
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        if (!line.empty()) lines.push_back(line);
-    return lines;
-}
-
 // The null input at the file's rate, so that "Ns" counts samples of that rate.
 std::vector<std::string> sox_silence(const std::filesystem::path& out, std::uint64_t frames, bool sixteen_bit) {
     // Repeatable (-R) and undithered (-D): otherwise sox dithers with a fresh random seed, and an
@@ -35,112 +28,6 @@ std::vector<std::string> sox_silence(const std::filesystem::path& out, std::uint
     // An empty comment keeps sox from tagging the file ("Processed by SoX").
     args.insert(args.end(), {"--comment", "", out.string(), "trim", "0", std::to_string(frames) + "s"});
     return args;
-}
-
-// ---- M4A: no encoder for it is installed, so ALAC is written here. ALAC frames may store
-// their samples uncompressed ("escape" frames), which keeps the writer small while the file
-// stays a complete ALAC stream in a standard MP4 container.
-
-constexpr std::uint32_t alac_frame_length = 4096;
-
-class bit_writer {
-public:
-    void put(std::uint32_t value, int bits) {
-        for (int i = bits - 1; i >= 0; --i) {
-            if (used_ % 8 == 0) bytes_.push_back('\0');
-            if ((value >> i) & 1u) bytes_.back() = static_cast<char>(bytes_.back() | (0x80 >> (used_ % 8)));
-            ++used_;
-        }
-    }
-    std::string take() { return std::move(bytes_); }
-
-private:
-    std::string bytes_;
-    std::size_t used_ = 0;
-};
-
-// One mono 16-bit escape frame of `samples` zero samples.
-std::string alac_frame(std::uint32_t samples) {
-    bit_writer w;
-    w.put(0, 3);   // single channel element
-    w.put(0, 4);   // element instance
-    w.put(0, 12);  // unused
-    const bool partial = samples != alac_frame_length;
-    w.put(partial ? 1 : 0, 1);  // the sample count follows
-    w.put(0, 2);                // no shifted bytes
-    w.put(1, 1);                // escape: samples stored as they are
-    if (partial) w.put(samples, 32);
-    for (std::uint32_t i = 0; i < samples; ++i) w.put(0, 16);
-    w.put(7, 3);  // end element
-    return w.take();
-}
-
-std::string be(std::uint64_t value, int bytes) {
-    std::string out;
-    for (int i = bytes - 1; i >= 0; --i) out.push_back(static_cast<char>((value >> (8 * i)) & 0xff));
-    return out;
-}
-
-std::string box(const std::string& type, const std::string& body) { return be(8 + body.size(), 4) + type + body; }
-std::string full_box(const std::string& type, std::uint32_t flags, const std::string& body) {
-    return box(type, be(flags, 4) + body);
-}
-
-const std::string unity_matrix =
-    be(0x10000, 4) + be(0, 4) + be(0, 4) + be(0, 4) + be(0x10000, 4) + be(0, 4) + be(0, 4) + be(0, 4) + be(0x40000000, 4);
-
-std::string alac_sample_entry(std::uint32_t max_frame_bytes, std::uint32_t average_bit_rate) {
-    const std::string config = be(alac_frame_length, 4) + be(0, 1) + be(16, 1) + be(40, 1) + be(10, 1) + be(14, 1) +
-                               be(1, 1) + be(255, 2) + be(max_frame_bytes, 4) + be(average_bit_rate, 4) +
-                               be(sample_rate, 4);
-    const std::string body = std::string(6, '\0') + be(1, 2)        // data reference index
-                             + std::string(8, '\0') + be(1, 2)      // one channel
-                             + be(16, 2) + be(0, 2) + be(0, 2)      // 16 bits
-                             + be(std::uint64_t{sample_rate} << 16, 4) + full_box("alac", 0, config);
-    return box("alac", body);
-}
-
-void write_alac_m4a(const std::filesystem::path& path, std::uint64_t frames) {
-    std::vector<std::string> packets;
-    for (std::uint64_t done = 0; done < frames;) {
-        const auto n = static_cast<std::uint32_t>(std::min<std::uint64_t>(alac_frame_length, frames - done));
-        packets.push_back(alac_frame(n));
-        done += n;
-    }
-    std::string media, sizes;
-    std::uint32_t max_bytes = 0;
-    for (const std::string& p : packets) {
-        media += p;
-        sizes += be(p.size(), 4);
-        max_bytes = std::max<std::uint32_t>(max_bytes, static_cast<std::uint32_t>(p.size()));
-    }
-    const std::uint64_t full = frames / alac_frame_length, rest = frames % alac_frame_length;
-    const std::string stts = be(rest ? 2 : 1, 4) + be(full, 4) + be(alac_frame_length, 4) + (rest ? be(1, 4) + be(rest, 4) : "");
-    const auto bit_rate = static_cast<std::uint32_t>(frames ? media.size() * 8 * sample_rate / frames : 0);
-
-    const std::string ftyp = box("ftyp", std::string("M4A ") + be(0, 4) + "M4A mp42isom");
-    // The moov box comes first, as streaming writers place it; its size does not depend on
-    // where the media lands, so the chunk offset is computed from a first rendering.
-    auto render_moov = [&](std::uint64_t media_offset) {
-        const std::string stbl = box("stbl", full_box("stsd", 0, be(1, 4) + alac_sample_entry(max_bytes, bit_rate)) +
-                                                 full_box("stts", 0, stts) +
-                                                 full_box("stsc", 0, be(1, 4) + be(1, 4) + be(packets.size(), 4) + be(1, 4)) +
-                                                 full_box("stsz", 0, be(0, 4) + be(packets.size(), 4) + sizes) +
-                                                 full_box("stco", 0, be(1, 4) + be(media_offset, 4)));
-        const std::string minf = box("minf", full_box("smhd", 0, be(0, 4)) +
-                                                 box("dinf", full_box("dref", 0, be(1, 4) + full_box("url ", 1, ""))) + stbl);
-        const std::string mdia = box("mdia", full_box("mdhd", 0, be(0, 4) + be(0, 4) + be(sample_rate, 4) + be(frames, 4) + be(0x55c4, 2) + be(0, 2)) +
-                                                 full_box("hdlr", 0, be(0, 4) + "soun" + std::string(12, '\0') + std::string("SoundHandler") + '\0') +
-                                                 minf);
-        const std::string tkhd = full_box("tkhd", 7, be(0, 4) + be(0, 4) + be(1, 4) + be(0, 4) + be(frames, 4) + std::string(8, '\0') +
-                                                         be(0, 2) + be(0, 2) + be(0x0100, 2) + be(0, 2) + unity_matrix + be(0, 4) + be(0, 4));
-        const std::string mvhd = full_box("mvhd", 0, be(0, 4) + be(0, 4) + be(sample_rate, 4) + be(frames, 4) + be(0x10000, 4) +
-                                                         be(0x0100, 2) + std::string(10, '\0') + unity_matrix + std::string(24, '\0') + be(2, 4));
-        return box("moov", mvhd + box("trak", tkhd + mdia));
-    };
-    const std::size_t moov_size = render_moov(0).size();
-    const std::string moov = render_moov(ftyp.size() + moov_size + 8);
-    write_file(path, ftyp + moov + box("mdat", media));
 }
 
 } // namespace
@@ -198,7 +85,17 @@ void make_audio_file(const std::filesystem::path& path, std::uint64_t frames, au
         std::filesystem::remove(wav);
         break;
     }
-    case audio_format::m4a: write_alac_m4a(path, frames); break;
+    case audio_format::m4a: {
+        std::filesystem::path wav = path;
+        wav += ".source.wav";
+        run_audio_tool(sox_silence(wav, frames, true));
+        // ALAC without ffmpeg's own encoder tag, so that the file starts untagged, and without an
+        // edit list, so that its length is the container's estimate (AAC files carry one).
+        run_audio_tool({"ffmpeg", "-loglevel", "error", "-i", wav.string(), "-c:a", "alac", "-map_metadata", "-1",
+                        "-fflags", "+bitexact", "-flags:a", "+bitexact", "-use_editlist", "0", path.string()});
+        std::filesystem::remove(wav);
+        break;
+    }
     }
 }
 
@@ -221,6 +118,18 @@ std::vector<double> fixture_disc_lengths(const std::string& disc_id) {
     std::vector<double> lengths;
     for (std::size_t i = 0; i + 1 < starts.size(); ++i) lengths.push_back(static_cast<double>(starts[i + 1] - starts[i]) / 75.0);
     return lengths;
+}
+
+void make_cd_frames_flac(const std::filesystem::path& path, std::uint64_t cd_frames) {
+    run_audio_tool({"sox", "-R", "-D", "-r", "600", "-c", "1", "-n", "-b", "16", path.string(), "trim", "0",
+                    std::to_string(cd_frames * 8) + "s"});
+}
+
+std::string cue_time(std::uint64_t cd_frames) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%02llu:%02llu:%02llu", static_cast<unsigned long long>(cd_frames / 4500),
+                  static_cast<unsigned long long>(cd_frames / 75 % 60), static_cast<unsigned long long>(cd_frames % 75));
+    return text;
 }
 
 std::vector<std::string> independent_tag_lines(const std::filesystem::path& path) {

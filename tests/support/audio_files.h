@@ -1,6 +1,6 @@
 #pragma once
-// Real audio files for tests, made with the system's audio tools (sox, opusenc) and, for M4A,
-// written here as ALAC; and their tags as independent readers (metaflac, vorbiscomment, mid3v2,
+// Real audio files for tests, made with the system's audio tools (sox, opusenc, ffmpeg for
+// ALAC in M4A); and their tags as independent readers (metaflac, vorbiscomment, mid3v2,
 // mutagen-inspect) print them, to check what the host wrote without the host's own reader.
 
 #include <cstdint>
@@ -35,6 +35,14 @@ std::vector<std::filesystem::path> make_album(const std::filesystem::path& folde
 // disc's offsets when its first track starts 150 frames (2 s) in. Raises std::runtime_error for
 // a disc not in the table.
 std::vector<double> fixture_disc_lengths(const std::string& disc_id);
+
+// Makes `path`: a FLAC file of silence `cd_frames` CD frames (1/75 s) long. The host reckons in
+// seconds, so 600 samples a second (8 per frame) is as exact as 44100 and keeps a whole disc in
+// one file small and quick to make.
+void make_cd_frames_flac(const std::filesystem::path& path, std::uint64_t cd_frames);
+
+// "MM:SS:FF", a cue sheet's time of `cd_frames`.
+std::string cue_time(std::uint64_t cd_frames);
 
 // The tags of `path` as an independent reader prints them, one line per value, in the reader's
 // order: metaflac (FLAC) and vorbiscomment (Ogg Vorbis) print "KEY=value"; mid3v2 (MP3) and

@@ -59,20 +59,6 @@ std::string escape_query_value(const std::string& text) {
     return out;
 }
 
-std::vector<std::string> split_lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (!line.empty()) lines.push_back(line);
-        start = end + 1;
-    }
-    return lines;
-}
-
 void stop_process(pid_t pid) {
     if (pid <= 0) return;
     ::kill(pid, SIGTERM);
@@ -156,7 +142,13 @@ void local_server::set_fault(const std::string& fault) const {
 }
 
 std::vector<std::string> local_server::last_request_headers() const {
-    return split_lines(control_get("/control?last-headers"));
+    return lines_of(control_get("/control?last-headers"));
+}
+
+std::vector<double> local_server::arrival_times() const {
+    std::vector<double> times;
+    for (const std::string& line : lines_of(control_get("/control?arrivals"))) times.push_back(std::strtod(line.c_str(), nullptr));
+    return times;
 }
 
 std::string local_server::control_get(const std::string& target) const {

@@ -36,6 +36,9 @@ public:
     void set_fault(const std::string& fault) const;
     // The header lines of the most recent logged request, as the server received them.
     std::vector<std::string> last_request_headers() const;
+    // The seconds, on the server's own clock, at which each logged request arrived, in order
+    // (the MusicBrainz test server only).
+    std::vector<double> arrival_times() const;
 
 private:
     // GET `target` from the server over a plain socket (not through the code under test);

@@ -41,6 +41,16 @@ std::string read_file(const std::filesystem::path& path) {
     return out.str();
 }
 
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty()) lines.push_back(line);
+    }
+    return lines;
+}
+
 std::map<std::string, std::string> folder_bytes(const std::filesystem::path& folder) {
     std::map<std::string, std::string> files;
     if (!std::filesystem::exists(folder)) return files;

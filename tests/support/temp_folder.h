@@ -27,6 +27,8 @@ std::string read_file(const std::filesystem::path& path);
 // Every file under `folder` (relative name -> bytes), leaving out the profile's log and lock,
 // which any run may touch.
 std::map<std::string, std::string> folder_bytes(const std::filesystem::path& folder);
+// The non-empty lines of `text`, without their line ends (LF or CR LF).
+std::vector<std::string> lines_of(const std::string& text);
 // Writes a whole file.
 void write_file(const std::filesystem::path& path, const std::string& data);
 // A fixture file of the shared test data.

@@ -20,38 +20,41 @@ using testing_support::audio_format;
 
 namespace {
 
-// The bounds of (length read - true length) for each format, from what the files state, and the
-// kind of length the file's info record names.
-struct length_case {
+// For each format: the bounds of (length read - true length), from what the files state; the
+// kind of length the file's info record names; and the stream's technical fields.
+struct format_case {
     audio_format format;
     double below;  // how far the length may fall short
     double above;  // how far it may run over
     const char* kind;
+    const char* codec;
+    const char* samplerate;
+    const char* bits;  // null where the format has no sample size
 };
 
-// FLAC, WAV and Ogg Vorbis state their number of samples: exact. Opus states it at 48 kHz, and
-// opusenc keeps the source's length through its resampling: within one 48 kHz sample. The
-// ALAC files made here carry no edit list: TagLib's length to the millisecond. MP3 as sox
-// writes it carries no LAME tag, so the frames hold the encoder's delay (576 samples), the
-// last frame's padding and one flushing frame besides the audio: up to 576 + 2 x 1152 samples
-// more, never less. Measured: +31 to +48 ms for 1 s to 180 s.
-const length_case length_cases[] = {
-    {audio_format::flac, 0.0, 0.0, "exact"},
-    {audio_format::wav, 0.0, 0.0, "exact"},
-    {audio_format::ogg, 0.0, 0.0, "exact"},
-    {audio_format::opus, 1 / 48000.0, 1 / 48000.0, "exact"},
-    {audio_format::m4a, 0.0005, 0.0005, "estimated"},
-    {audio_format::mp3, 0.0, (576 + 2 * 1152) / 44100.0, "estimated"},
+// FLAC, WAV and Ogg Vorbis state their number of samples: exact. Opus states it at 48 kHz (it
+// always decodes at that rate), and opusenc keeps the source's length through its resampling:
+// within one 48 kHz sample. The ALAC files made here carry no edit list: TagLib's length to the
+// millisecond. MP3 as sox writes it carries no LAME tag, so the frames hold the encoder's delay
+// (576 samples), the last frame's padding and one flushing frame besides the audio: up to
+// 576 + 2 x 1152 samples more, never less. Measured: +31 to +48 ms for 1 s to 180 s.
+const format_case format_cases[] = {
+    {audio_format::flac, 0.0, 0.0, "exact", "FLAC", "44100", "16"},
+    {audio_format::wav, 0.0, 0.0, "exact", "PCM", "44100", "16"},
+    {audio_format::ogg, 0.0, 0.0, "exact", "Vorbis", "44100", nullptr},
+    {audio_format::opus, 1 / 48000.0, 1 / 48000.0, "exact", "Opus", "48000", nullptr},
+    {audio_format::m4a, 0.0005, 0.0005, "estimated", "ALAC", "44100", "16"},
+    {audio_format::mp3, 0.0, (576 + 2 * 1152) / 44100.0, "estimated", "MP3", "44100", nullptr},
 };
 
 } // namespace
 
-TEST(audio_file, length_is_what_the_file_plays_exact_where_it_states_its_samples) {
+TEST(audio_file, length_and_stream_fields_are_what_the_file_plays_and_an_untagged_file_has_no_fields) {
     testing_support::temp_folder folder;
     // Three minutes, and a length that is no whole number of milliseconds.
     for (std::uint64_t frames : {std::uint64_t{180 * 44100}, std::uint64_t{1234567}}) {
         const double seconds = static_cast<double>(frames) / 44100.0;
-        for (const length_case& c : length_cases) {
+        for (const format_case& c : format_cases) {
             SCOPED_TRACE(testing_support::name_of(c.format) + ", " + std::to_string(frames) + " samples");
             const auto path = folder / ("track" + std::to_string(frames) + testing_support::extension_of(c.format));
             testing_support::make_audio_file(path, frames, c.format);
@@ -66,60 +69,28 @@ TEST(audio_file, length_is_what_the_file_plays_exact_where_it_states_its_samples
                 EXPECT_GE(length, seconds - c.below - 1e-9);
                 EXPECT_LE(length, seconds + c.above + 1e-9);
             }
+            const std::pair<const char*, const char*> fields[] = {
+                {"codec", c.codec}, {"samplerate", c.samplerate}, {"channels", "1"}, {"bitspersample", c.bits}};
+            for (const auto& [name, value] : fields) {
+                if (!value) {
+                    EXPECT_EQ(info.info_get(name), nullptr) << name;
+                } else {
+                    ASSERT_NE(info.info_get(name), nullptr) << name;
+                    EXPECT_STREQ(info.info_get(name), value) << name;
+                }
+            }
+            ASSERT_NE(info.info_get("bitrate"), nullptr);
+            EXPECT_GT(std::stoi(info.info_get("bitrate")), 0);
+            // opusenc names itself in an ENCODER field: a field outside the table, kept lower-cased.
+            if (c.format == audio_format::opus) {
+                ASSERT_EQ(info.tags.field_count(), 1u);
+                EXPECT_EQ(info.tags.field_name(0), "encoder");
+                EXPECT_NE(std::string(info.tags.value(0, 0)).find("opusenc"), std::string::npos);
+            } else {
+                EXPECT_EQ(info.tags.field_count(), 0u);
+            }
         }
     }
-}
-
-TEST(audio_file, technical_fields_describe_the_stream) {
-    struct expected_info {
-        audio_format format;
-        std::string codec, samplerate;
-        const char* bits;  // null where the format has no sample size
-    };
-    const expected_info cases[] = {
-        {audio_format::flac, "FLAC", "44100", "16"}, {audio_format::wav, "PCM", "44100", "16"},
-        {audio_format::mp3, "MP3", "44100", nullptr}, {audio_format::ogg, "Vorbis", "44100", nullptr},
-        // Opus always decodes at 48 kHz.
-        {audio_format::opus, "Opus", "48000", nullptr}, {audio_format::m4a, "ALAC", "44100", "16"},
-    };
-    testing_support::temp_folder folder;
-    for (const expected_info& c : cases) {
-        SCOPED_TRACE(testing_support::name_of(c.format));
-        const auto path = folder / ("tone" + testing_support::extension_of(c.format));
-        testing_support::make_audio_file(path, 44100, c.format);
-
-        const track_info info = read_audio_file(path.string());
-        ASSERT_NE(info.info_get("codec"), nullptr);
-        EXPECT_STREQ(info.info_get("codec"), c.codec.c_str());
-        ASSERT_NE(info.info_get("samplerate"), nullptr);
-        EXPECT_STREQ(info.info_get("samplerate"), c.samplerate.c_str());
-        ASSERT_NE(info.info_get("channels"), nullptr);
-        EXPECT_STREQ(info.info_get("channels"), "1");
-        ASSERT_NE(info.info_get("bitrate"), nullptr);
-        EXPECT_GT(std::stoi(info.info_get("bitrate")), 0);
-        if (c.bits) {
-            ASSERT_NE(info.info_get("bitspersample"), nullptr);
-            EXPECT_STREQ(info.info_get("bitspersample"), c.bits);
-        } else {
-            EXPECT_EQ(info.info_get("bitspersample"), nullptr);
-        }
-    }
-}
-
-TEST(audio_file, untagged_files_have_no_fields_but_encoder_notes_are_kept) {
-    testing_support::temp_folder folder;
-    for (audio_format format : {audio_format::flac, audio_format::mp3, audio_format::ogg, audio_format::wav, audio_format::m4a}) {
-        const auto path = folder / ("plain" + testing_support::extension_of(format));
-        testing_support::make_audio_file(path, 4410, format);
-        EXPECT_EQ(read_audio_file(path.string()).tags.field_count(), 0u) << testing_support::name_of(format);
-    }
-    // opusenc names itself in an ENCODER field: a field outside the table, kept lower-cased.
-    const auto opus = folder / "plain.opus";
-    testing_support::make_audio_file(opus, 4410, audio_format::opus);
-    const tag_record tags = read_audio_file(opus.string()).tags;
-    ASSERT_EQ(tags.field_count(), 1u);
-    EXPECT_EQ(tags.field_name(0), "encoder");
-    EXPECT_NE(std::string(tags.value(0, 0)).find("opusenc"), std::string::npos);
 }
 
 TEST(audio_file, ogg_extension_holding_opus_is_read_as_opus) {

@@ -12,7 +12,6 @@
 #include "audio/audio_file.h"
 #include "audio/file_track.h"
 #include "audio/track_arguments.h"
-#include "cddb/toc.h"
 #include "support/audio_files.h"
 #include "support/temp_folder.h"
 #include "tag_fields.h"
@@ -103,38 +102,36 @@ TEST(tracks_from_arguments, folder_without_track_numbers_is_in_natural_name_orde
               (std::vector<std::string>{"1 x.flac", "01 y.wav", "2 x.flac", "9 x.ogg", "10 x.flac", "a.FLAC", "B.mp3"}));
 }
 
-TEST(tracks_from_arguments, folder_whose_files_all_have_track_numbers_is_in_track_order) {
-    testing_support::temp_folder folder;
-    add_file(folder, "a.flac", {{"tracknumber", {"3"}}});
-    add_file(folder, "b.mp3", {{"tracknumber", {"1"}}, {"totaltracks", {"4"}}});
-    add_file(folder, "c.ogg", {{"tracknumber", {"10"}}});
-    add_file(folder, "d.opus", {{"tracknumber", {"2"}}});
-    // Equal numbers keep name order.
-    add_file(folder, "e2.m4a", {{"tracknumber", {"02"}}});
-
-    EXPECT_EQ(file_names(tracks_from_arguments({folder.path().string()})),
-              (std::vector<std::string>{"b.mp3", "d.opus", "e2.m4a", "a.flac", "c.ogg"}));
-}
-
-TEST(tracks_from_arguments, one_file_without_a_track_number_puts_the_folder_in_name_order) {
-    testing_support::temp_folder folder;
-    add_file(folder, "1 first.flac", {{"tracknumber", {"3"}}});
-    add_file(folder, "2 second.flac", {{"tracknumber", {"2"}}});
-    add_file(folder, "3 third.flac", {{"tracknumber", {"B1"}}});  // not a number
-    add_file(folder, "4 fourth.flac", {{"title", {"no number"}}});
-
-    EXPECT_EQ(file_names(tracks_from_arguments({folder.path().string()})),
-              (std::vector<std::string>{"1 first.flac", "2 second.flac", "3 third.flac", "4 fourth.flac"}));
-}
-
-TEST(tracks_from_arguments, disc_numbers_on_every_file_order_the_discs_first) {
-    testing_support::temp_folder folder;
-    add_file(folder, "a.flac", {{"discnumber", {"2"}}, {"tracknumber", {"1"}}});
-    add_file(folder, "b.flac", {{"discnumber", {"1"}}, {"tracknumber", {"2"}}});
-    add_file(folder, "c.flac", {{"discnumber", {"1"}}, {"tracknumber", {"1"}}});
-
-    EXPECT_EQ(file_names(tracks_from_arguments({folder.path().string()})),
-              (std::vector<std::string>{"c.flac", "b.flac", "a.flac"}));
+// Track numbers on every file order the folder by them (discs first, equal numbers in name
+// order); one file without a number, or with one that is no number, leaves the name order.
+TEST(tracks_from_arguments, folder_is_in_track_order_only_when_every_file_has_a_track_number) {
+    struct order_case {
+        std::vector<std::pair<std::string, field_list>> files;
+        std::vector<std::string> order;
+    };
+    const order_case cases[] = {
+        {{{"a.flac", {{"tracknumber", {"3"}}}},
+          {"b.mp3", {{"tracknumber", {"1"}}, {"totaltracks", {"4"}}}},
+          {"c.ogg", {{"tracknumber", {"10"}}}},
+          {"d.opus", {{"tracknumber", {"2"}}}},
+          {"e2.m4a", {{"tracknumber", {"02"}}}}},
+         {"b.mp3", "d.opus", "e2.m4a", "a.flac", "c.ogg"}},
+        {{{"1 first.flac", {{"tracknumber", {"3"}}}},
+          {"2 second.flac", {{"tracknumber", {"2"}}}},
+          {"3 third.flac", {{"tracknumber", {"B1"}}}},
+          {"4 fourth.flac", {{"title", {"no number"}}}}},
+         {"1 first.flac", "2 second.flac", "3 third.flac", "4 fourth.flac"}},
+        {{{"a.flac", {{"discnumber", {"2"}}, {"tracknumber", {"1"}}}},
+          {"b.flac", {{"discnumber", {"1"}}, {"tracknumber", {"2"}}}},
+          {"c.flac", {{"discnumber", {"1"}}, {"tracknumber", {"1"}}}}},
+         {"c.flac", "b.flac", "a.flac"}},
+    };
+    for (const order_case& c : cases) {
+        SCOPED_TRACE(c.order.front());
+        testing_support::temp_folder folder;
+        for (const auto& [name, tags] : c.files) add_file(folder, name, tags);
+        EXPECT_EQ(file_names(tracks_from_arguments({folder.path().string()})), c.order);
+    }
 }
 
 TEST(tracks_from_arguments, files_and_folders_in_the_order_given) {
@@ -177,18 +174,4 @@ TEST(tracks_from_arguments, unreadable_or_missing_file_is_named_before_anything_
                                                         (folder / "readme.txt").string());
     expect_error_naming<tunehall_io::exception_io_not_found>({(folder / "1 good.flac").string(), (folder / "nowhere").string()},
                                                              (folder / "nowhere").string());
-}
-
-TEST(tracks_from_arguments, album_made_for_a_fixture_disc_has_that_discs_cddb_id) {
-    // The fixture disc's first track starts at the usual 150 frames, as a file album does.
-    const std::vector<double> lengths = testing_support::fixture_disc_lengths("12025d03");
-    ASSERT_EQ(lengths.size(), 3u);
-    testing_support::temp_folder folder;
-    testing_support::make_album(folder.path(), lengths, audio_format::flac);
-
-    const track_list tracks = tracks_from_arguments({folder.path().string()});
-    const disc_toc toc = compute_disc_toc(tracks);
-    EXPECT_EQ(toc.offsets, (std::vector<std::uint32_t>{150, 12143, 31682}));
-    EXPECT_EQ(toc.disc_seconds, 607u);
-    EXPECT_EQ(format_disc_id(toc.disc_id), "12025D03");
 }

@@ -8,9 +8,7 @@
 #include <thread>
 
 #include "support/audio_files.h"
-#include "support/local_server.h"
-#include "support/run_program.h"
-#include "support/temp_folder.h"
+#include "support/tessellon_cli.h"
 #include "unit/musicbrainz/mb_test_data.h"
 
 using namespace testing_support;
@@ -40,23 +38,12 @@ struct contract_row {
     std::vector<std::string> env = {};
 };
 
-struct cli_contract : ::testing::Test {
-    temp_folder profile{"tessellon-contract"};
+struct cli_contract : ::testing::Test, tessellon_cli {
     temp_folder music{"tessellon-contract-album"};
     local_server cddb{"tests/servers/cddb_server.py", {"--sites", "tests/servers/cddb_db/sites.txt"}};
     local_server musicbrainz{"tests/servers/musicbrainz_server.py"};
     std::string mb_env = "TESSELLON_MUSICBRAINZ_HOST=127.0.0.1:" + std::to_string(musicbrainz.port());
-
-    program_result run(std::vector<std::string> args, const std::vector<std::string>& env = {},
-                       const std::function<void(pid_t)>& while_running = {}) {
-        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
-        return run_program(args, env, while_running);
-    }
     std::string cddb_url() const { return "--server=" + cddb.base_url() + "/~cddb/cddb.cgi"; }
-    void use_only(const local_server& server) {
-        ASSERT_EQ(run({"servers", "add", "127.0.0.1", std::to_string(server.port()), "/~cddb/cddb.cgi", "Local"}).exit_code, 0);
-        ASSERT_EQ(run({"servers", "remove", "1"}).exit_code, 0);
-    }
     void check(const std::vector<contract_row>& rows) {
         for (const auto& row : rows) {
             std::string line;
@@ -77,7 +64,7 @@ struct cli_contract : ::testing::Test {
 } // namespace
 
 TEST_F(cli_contract, bad_input_is_refused_before_any_request_or_setting) {
-    use_only(cddb);
+    ASSERT_TRUE(use_only(cddb));
     const std::size_t requests_before = cddb.requests().size();
     const std::string disc = joined(fixture_disc_lengths("12025d03"));
     check({
@@ -104,7 +91,7 @@ TEST_F(cli_contract, bad_input_is_refused_before_any_request_or_setting) {
 }
 
 TEST_F(cli_contract, each_command_keeps_its_exit_status_names_its_server_and_prints_json) {
-    use_only(cddb);
+    ASSERT_TRUE(use_only(cddb));
     const std::string place = "127.0.0.1:" + std::to_string(cddb.port());
     local_server refusing_sites{"tests/servers/cddb_server.py", {"--fault", "cddb-status:401"}};
     const std::string disc = joined(fixture_disc_lengths("12025d03"));
@@ -129,6 +116,7 @@ TEST_F(cli_contract, each_command_keeps_its_exit_status_names_its_server_and_pri
          R"({"tracks":[""],"servers":[{"description":"","matches":[]}]})"},
         {{"show", album.string(), "--json"}, 0, "", "", R"({"tracks":[{"path":"","length":null,"fields":[[""]]}]})"},
         {{"tag", album.string(), "--dry-run", "--json"}, 0, "", "", R"({"tracks":[{"path":"","fields":[null]}]})"},
+        {{"tag", album.string(), "--match", "5"}, 2, "--match 5: there are 1 matches"},
         {{"musicbrainz", ziggy.string(), "--write", "--json"}, 0, "", "",
          R"({"disc_id":"","release":{"title":"","album_artist":[""],"date":"","disc_number":0,"total_discs":0,)"
          R"("tracks":[{"title":"","artist":[""]}]}})",
@@ -158,7 +146,7 @@ TEST_F(cli_contract, each_command_keeps_its_exit_status_names_its_server_and_pri
 
 TEST_F(cli_contract, ctrl_c_and_end_of_input_abort_with_status_1) {
     local_server slow{"tests/servers/cddb_server.py", {"--fault", "slow:2", "--sites", "tests/servers/cddb_db/sites.txt"}};
-    use_only(slow);
+    ASSERT_TRUE(use_only(slow));
     const std::string disc = joined(fixture_disc_lengths("12025d03"));
     const std::string slow_url = "--server=" + slow.base_url() + "/~cddb/cddb.cgi";
     const std::vector<std::vector<std::string>> slow_commands = {
@@ -178,7 +166,7 @@ TEST_F(cli_contract, ctrl_c_and_end_of_input_abort_with_status_1) {
 
     // At the match prompt of `tag` on a terminal (two exact matches to choose from).
     local_server quick{"tests/servers/cddb_server.py"};
-    use_only(quick);
+    ASSERT_TRUE(use_only(quick));
     const std::string two_matches = joined(fixture_disc_lengths("d50dd30f"));
     for (const char* keys : {"\\x03", "\\x04"}) {
         SCOPED_TRACE(keys);
@@ -189,7 +177,7 @@ TEST_F(cli_contract, ctrl_c_and_end_of_input_abort_with_status_1) {
 }
 
 TEST_F(cli_contract, on_a_terminal_console_lines_go_above_the_progress_bar) {
-    use_only(cddb);
+    ASSERT_TRUE(use_only(cddb));
     auto r = run_program({"/usr/bin/env", "python3", probe, "terminal", "found match", "", TESSELLON_BINARY, "--profile",
                           profile.path().string(), "lookup", "--lengths", joined(fixture_disc_lengths("12025d03"))});
     ASSERT_EQ(r.out.substr(0, 2), "0\n") << r.out << r.err;

@@ -11,59 +11,24 @@
 #include <sstream>
 
 #include "support/audio_files.h"
-#include "support/local_server.h"
-#include "support/run_program.h"
-#include "support/temp_folder.h"
+#include "support/tessellon_cli.h"
 
 using namespace testing_support;
 
 namespace {
 
-struct tag_cli : ::testing::Test {
-    temp_folder profile{"tessellon-tag-cli"};
+struct tag_cli : ::testing::Test, tessellon_cli {
     temp_folder music{"tessellon-album"};
     local_server server{"tests/servers/cddb_server.py"};
 
-    tag_cli() {
-        run({"servers", "add", "127.0.0.1", std::to_string(server.port()), "/~cddb/cddb.cgi", "Local"});
-        run({"servers", "remove", "1"});  // the built-in placeholder
-    }
-    program_result run(std::vector<std::string> args) {
-        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
-        return run_program(args);
-    }
+    tag_cli() { use_only(server); }
     // The album of the fixture disc 12025d03 (Ernest Ray Everett, 3 tracks) in `format`.
     std::filesystem::path album(audio_format format) {
         auto folder = music / name_of(format);
         make_album(folder, fixture_disc_lengths("12025d03"), format);
         return folder;
     }
-    // "name=value" lines of `show` for each file, sorted within the file.
-    std::vector<std::vector<std::string>> shown(const std::filesystem::path& folder) {
-        auto r = run({"show", folder.string()});
-        EXPECT_EQ(r.exit_code, 0) << r.err;
-        std::vector<std::vector<std::string>> files;
-        std::istringstream lines(r.out);
-        for (std::string line; std::getline(lines, line);) {
-            if (line.rfind("  ", 0) != 0) {
-                files.emplace_back();
-                continue;
-            }
-            files.back().push_back(line.substr(2));
-        }
-        for (auto& f : files) std::sort(f.begin(), f.end());
-        return files;
-    }
 };
-
-std::vector<std::string> expected_fields(int track) {
-    static const char* titles[] = {"I'm Your Puppet", "Me And Jacky", "If You Don't Like Country"};
-    std::vector<std::string> f = {"album=Ernest Ray Everett - Single CD", "artist=Ernest Ray Everett - Single CD",
-                                  "date=2009", "genre=Country", std::string("title=") + titles[track],
-                                  "totaltracks=3", "tracknumber=" + std::to_string(track + 1)};
-    std::sort(f.begin(), f.end());
-    return f;
-}
 
 } // namespace
 
@@ -77,7 +42,7 @@ TEST_P(tag_cli_formats, wipe_leaves_exactly_the_fields_of_the_match) {
     ASSERT_EQ(r.exit_code, 0) << r.err;
     auto files = shown(folder);
     ASSERT_EQ(files.size(), 3u);
-    for (int t = 0; t < 3; ++t) EXPECT_EQ(files[static_cast<std::size_t>(t)], expected_fields(t)) << "track " << t + 1;
+    for (int t = 0; t < 3; ++t) EXPECT_EQ(files[static_cast<std::size_t>(t)], fields_of_12025d03(t)) << "track " << t + 1;
 }
 
 INSTANTIATE_TEST_SUITE_P(formats, tag_cli_formats, ::testing::Values(audio_format::flac, audio_format::mp3, audio_format::ogg),
@@ -270,38 +235,13 @@ TEST_F(tag_cli, undo_leaves_a_file_changed_since_alone_unless_forced) {
 TEST_F(tag_cli, on_a_terminal_an_answer_other_than_y_writes_nothing) {
     auto folder = album(audio_format::flac);
     const auto before = folder_bytes(folder);
-    const char* answer_on_a_terminal = R"(
-import os, pty, sys
-pid, fd = pty.fork()
-if pid == 0:
-    os.execv(sys.argv[1], sys.argv[1:])
-out = b""
-while True:
-    try:
-        data = os.read(fd, 4096)
-    except OSError:
-        break
-    if not data:
-        break
-    out += data
-    if b"[y/N]" in out and not out.endswith(b"n\r\n"):
-        os.write(fd, b"n\n")
-sys.stdout.buffer.write(out)
-sys.exit(os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]))
-)";
-    auto r = run_program({installed_program("python3"), "-c", answer_on_a_terminal, TESSELLON_BINARY, "--profile",
+    const std::string probe = std::string(TESSELLON_SOURCE_DIR) + "/tests/integration/cli/cli_probe.py";
+    auto r = run_program({installed_program("python3"), probe, "terminal", "[y/N]", "n\\n", TESSELLON_BINARY, "--profile",
                           profile.path().string(), "tag", folder.string(), "--match", "1"});
-    EXPECT_EQ(r.exit_code, 1) << r.out;
+    EXPECT_EQ(r.out.substr(0, 2), "1\n") << r.out << r.err;
     EXPECT_NE(r.out.find("title: added \"I'm Your Puppet\""), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("Write these tags to 3 files? [y/N]"), std::string::npos) << r.out;
     EXPECT_EQ(folder_bytes(folder), before);
-}
-
-TEST_F(tag_cli, a_match_number_beyond_the_matches_is_bad_usage) {
-    auto folder = album(audio_format::flac);
-    auto r = run({"tag", folder.string(), "--match", "5"});
-    EXPECT_EQ(r.exit_code, 2);
-    EXPECT_NE(r.err.find("--match 5: there are 1 matches"), std::string::npos) << r.err;
 }
 
 // With `config id3 2.3` an MP3 gets an ID3v2.3 tag (the date as TYER) that

@@ -6,25 +6,22 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <sstream>
 
 #include "support/audio_files.h"
-#include "support/local_server.h"
-#include "support/run_program.h"
-#include "support/temp_folder.h"
+#include "support/tessellon_cli.h"
 #include "unit/musicbrainz/mb_test_data.h"
 
 using namespace testing_support;
 
-TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_it_back) {
-    temp_folder profile{"tessellon-cue-cli"}, music{"tessellon-cue-album"};
+namespace {
+struct cue_cli : ::testing::Test, tessellon_cli {
+    temp_folder music{"tessellon-cue-album"};
+};
+} // namespace
+
+TEST_F(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_it_back) {
     local_server server{"tests/servers/cddb_server.py"};
-    auto run = [&](std::vector<std::string> args) {
-        args.insert(args.begin(), {TESSELLON_BINARY, "--profile", profile.path().string()});
-        return run_program(args);
-    };
-    run({"servers", "add", "127.0.0.1", std::to_string(server.port()), "/~cddb/cddb.cgi", "Local"});
-    run({"servers", "remove", "1"});
+    ASSERT_TRUE(use_only(server));
 
     // The fixture disc 12025d03 (3 tracks) as one FLAC file at CD rate and its sheet.
     const std::vector<double> lengths = fixture_disc_lengths("12025d03");
@@ -44,24 +41,9 @@ TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_i
     for (const char* kept : {"CATALOG 0000000000000", "FLAGS DCP", "INDEX 01 07:00:32"})
         EXPECT_NE(sheet.find(kept), std::string::npos) << kept << " lost:\n" << sheet;
 
-    r = run({"show", (music / "album.cue").string()});
-    ASSERT_EQ(r.exit_code, 0) << r.err;
-    std::vector<std::vector<std::string>> tracks;
-    std::istringstream lines(r.out);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind("  ", 0) != 0) tracks.emplace_back();
-        else tracks.back().push_back(line.substr(2));
-    }
-    const char* titles[] = {"I'm Your Puppet", "Me And Jacky", "If You Don't Like Country"};
-    ASSERT_EQ(tracks.size(), 3u) << r.out;
-    for (std::size_t t = 0; t < 3; ++t) {
-        std::vector<std::string> expected = {"album=Ernest Ray Everett - Single CD", "artist=Ernest Ray Everett - Single CD",
-                                             "date=2009", "genre=Country", std::string("title=") + titles[t],
-                                             "totaltracks=3", "tracknumber=" + std::to_string(t + 1)};
-        std::sort(expected.begin(), expected.end());
-        std::sort(tracks[t].begin(), tracks[t].end());
-        EXPECT_EQ(tracks[t], expected) << "track " << t + 1;
-    }
+    const auto tracks = shown(music / "album.cue");
+    ASSERT_EQ(tracks.size(), 3u);
+    for (int t = 0; t < 3; ++t) EXPECT_EQ(tracks[static_cast<std::size_t>(t)], fields_of_12025d03(t)) << "track " << t + 1;
 
     // The sheet was journaled once, before its first change: undo gives it back byte for byte.
     r = run({"undo"});
@@ -69,27 +51,22 @@ TEST(cue_cli, tag_writes_into_the_cue_sheet_of_a_one_file_album_and_show_reads_i
     EXPECT_EQ(read_file(music / "album.cue"), sheet_before);
 }
 
-TEST(cue_cli, musicbrainz_write_puts_the_release_into_the_cue_sheet) {
-    temp_folder profile{"tessellon-cue-mb"}, music{"tessellon-cue-mb-album"};
+TEST_F(cue_cli, musicbrainz_write_puts_the_release_into_the_cue_sheet) {
     local_server server{"tests/servers/musicbrainz_server.py"};
     mb_testing::scoped_environment service{"TESSELLON_MUSICBRAINZ_HOST", ("127.0.0.1:" + std::to_string(server.port())).c_str()};
-    // Disc 1 of the local service's Ziggy Stardust release (11 tracks) as one file and its sheet;
-    // 600 samples a second are 8 per CD frame, exact for the host and quick to make.
+    // Disc 1 of the local service's Ziggy Stardust release (11 tracks) as one file and its sheet.
     const std::vector<double> lengths = mb_testing::lengths_of(mb_testing::disc_with_id("pphmFbEaZKk7KDKQ_AKCMVtrjIg-"));
     std::string sheet = "FILE \"album.flac\" WAVE\n";
     double start = 0;
     for (std::size_t i = 0; i < lengths.size(); ++i) {
-        const long frames = std::lround(start * 75);
-        char line[128];
-        std::snprintf(line, sizeof line, "  TRACK %02zu AUDIO\n    INDEX 01 %02ld:%02ld:%02ld\n", i + 1, frames / 4500, frames / 75 % 60, frames % 75);
-        sheet += line;
+        sheet += std::string("  TRACK ") + (i < 9 ? "0" : "") + std::to_string(i + 1) + " AUDIO\n    INDEX 01 " +
+                 cue_time(static_cast<std::uint64_t>(std::llround(start * 75))) + "\n";
         start += lengths[i];
     }
     write_file(music / "album.cue", sheet);
-    run_audio_tool({"sox", "-R", "-D", "-r", "600", "-c", "1", "-n", "-b", "16", (music / "album.flac").string(), "trim", "0",
-                    std::to_string(std::lround(start * 75) * 8) + "s"});
+    make_cd_frames_flac(music / "album.flac", static_cast<std::uint64_t>(std::llround(start * 75)));
 
-    auto r = run_program({TESSELLON_BINARY, "--profile", profile.path().string(), "musicbrainz", (music / "album.cue").string(), "--write"});
+    auto r = run({"musicbrainz", (music / "album.cue").string(), "--write"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     const std::string written = read_file(music / "album.cue");
     for (const char* line : {"TITLE \"The Rise and Fall of Ziggy Stardust and the Spiders From Mars\"", "PERFORMER \"David Bowie\"",
@@ -97,8 +74,7 @@ TEST(cue_cli, musicbrainz_write_puts_the_release_into_the_cue_sheet) {
         EXPECT_NE(written.find(line), std::string::npos) << line << " not in\n" << written;
 }
 
-TEST(cue_cli, a_sheet_with_a_file_per_track_lays_the_files_back_to_back) {
-    temp_folder profile{"tessellon-cue-files"}, music{"tessellon-cue-files-album"};
+TEST_F(cue_cli, a_sheet_with_a_file_per_track_lays_the_files_back_to_back) {
     // 2, 4 and 6 seconds; track 2's file starts with a 1-second gap (INDEX 00) that belongs to
     // track 1 on the disc.
     for (int i = 1; i <= 3; ++i)
@@ -107,7 +83,7 @@ TEST(cue_cli, a_sheet_with_a_file_per_track_lays_the_files_back_to_back) {
                "FILE \"t1.flac\" WAVE\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n"
                "FILE \"t2.flac\" WAVE\n  TRACK 02 AUDIO\n    INDEX 00 00:00:00\n    INDEX 01 00:01:00\n"
                "FILE \"t3.flac\" WAVE\n  TRACK 03 AUDIO\n    INDEX 01 00:00:00\n");
-    auto r = run_program({TESSELLON_BINARY, "--profile", profile.path().string(), "discid", (music / "album.cue").string(), "--json"});
+    auto r = run({"discid", (music / "album.cue").string(), "--json"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     EXPECT_NE(r.out.find("\"offsets\":[150,375,600],\"disc_seconds\":14"), std::string::npos) << r.out;
 }

@@ -60,32 +60,9 @@ protected:
     testing_support::temp_folder files{"tessellon-sites"};
 };
 
+// The page's working list changes, the stored one only with "Apply": closing the page first
+// keeps it.
 TEST_F(server_list_retrieval_test, two_http_sites_of_five_become_the_list_in_the_servers_order) {
-    local_server server(cddb_server_script, {"--sites", five_sites});
-    save_server_list({local_record(server)});
-    const std::optional<std::string> stored = stored_server_blob();
-    open_page page;
-    retrieve(page);
-
-    EXPECT_EQ(page.rows(), (std::vector<std::pair<std::string, std::string>>{
-                               {"a.cddb.tessellon.invalid", "Test primary site, San Jose area"},
-                               {"b.cddb.tessellon.invalid", "Southern test mirror, Sydney"}}));
-    EXPECT_EQ(page.state(), changed_state);
-    EXPECT_EQ(page.state_changes(), 1);
-    EXPECT_TRUE(host.popups().empty());
-    ASSERT_EQ(server.requests().size(), 1u);
-    EXPECT_NE(server.requests().front().find("cmd=sites&"), std::string::npos) << server.requests().front();
-    EXPECT_EQ(stored_server_blob(), stored);  // only the page's working list changed
-
-    page.instance().apply();
-    EXPECT_EQ(next_session_servers(),
-              (server_list{make_server("a.cddb.tessellon.invalid", "http", "80", "/~cddb/cddb.cgi",
-                                       "Test primary site, San Jose area"),
-                           make_server("b.cddb.tessellon.invalid", "http", "8080", "/cgi-bin/cddb.cgi",
-                                       "Southern test mirror, Sydney")}));
-}
-
-TEST_F(server_list_retrieval_test, closing_the_page_after_a_retrieval_without_apply_keeps_the_stored_list) {
     local_server server(cddb_server_script, {"--sites", five_sites});
     save_server_list({local_record(server)});
     const std::optional<std::string> stored = stored_server_blob();
@@ -96,95 +73,75 @@ TEST_F(server_list_retrieval_test, closing_the_page_after_a_retrieval_without_ap
     }
     EXPECT_EQ(stored_server_blob(), stored);
     EXPECT_EQ(next_session_servers(), (server_list{local_record(server)}));
-}
 
-struct empty_answer {
-    const char* name;
-    std::optional<std::string> sites;  // none: the server has no site information (401)
-};
-void PrintTo(const empty_answer& c, std::ostream* os) { *os << c.name; }
-
-class retrieval_without_reachable_sites : public server_list_retrieval_test,
-                                          public ::testing::WithParamInterface<empty_answer> {};
-
-TEST_P(retrieval_without_reachable_sites, says_so_and_keeps_the_list) {
-    std::vector<std::string> args;
-    if (GetParam().sites) args = {"--sites", sites_file(*GetParam().sites)};
-    local_server server(cddb_server_script, args);
-    save_server_list({local_record(server)});
     open_page page;
     retrieve(page);
+    EXPECT_EQ(page.rows(), (std::vector<std::pair<std::string, std::string>>{
+                               {"a.cddb.tessellon.invalid", "Test primary site, San Jose area"},
+                               {"b.cddb.tessellon.invalid", "Southern test mirror, Sydney"}}));
+    EXPECT_EQ(page.state(), changed_state);
+    EXPECT_EQ(page.state_changes(), 1);
+    EXPECT_TRUE(host.popups().empty());
+    ASSERT_EQ(server.requests().size(), 2u);
+    EXPECT_NE(server.requests().back().find("cmd=sites&"), std::string::npos) << server.requests().back();
+    EXPECT_EQ(stored_server_blob(), stored);
 
-    const auto popups = host.popups();
-    ASSERT_EQ(popups.size(), 1u);
-    EXPECT_EQ(popups[0].message, no_servers_message("127.0.0.1"));
-    EXPECT_EQ(popups[0].title, "discora Tagger");
-    EXPECT_EQ(popups[0].flags, 0u);
-    EXPECT_EQ(page.rows(), (std::vector<std::pair<std::string, std::string>>{{"127.0.0.1", "Local test server"}}));
-    EXPECT_EQ(page.state(), unchanged_state);
-    EXPECT_EQ(page.state_changes(), 0);
+    page.instance().apply();
+    EXPECT_EQ(next_session_servers(),
+              (server_list{make_server("a.cddb.tessellon.invalid", "http", "80", "/~cddb/cddb.cgi",
+                                       "Test primary site, San Jose area"),
+                           make_server("b.cddb.tessellon.invalid", "http", "8080", "/cgi-bin/cddb.cgi",
+                                       "Southern test mirror, Sydney")}));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    answers, retrieval_without_reachable_sites,
-    ::testing::Values(empty_answer{"only_other_protocols",
-                                   "a.cddb.invalid cddbp 8880 - N037.21 W121.55 First\r\n"
-                                   "b.cddb.invalid cddbp 888 - s033.52 e151.12 Second\r\n"},
-                      empty_answer{"no_site_information", std::nullopt}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-struct failure_case {
-    const char* name;
-    const char* fault;                  // the server's fault, or "" for none
-    std::optional<std::string> sites;   // site lines, or none
-    std::string error_begins, error_ends;  // the error text shown between the line breaks
-};
-void PrintTo(const failure_case& c, std::ostream* os) { *os << c.name; }
-
-class retrieval_failure : public server_list_retrieval_test, public ::testing::WithParamInterface<failure_case> {};
-
-TEST_P(retrieval_failure, shows_the_error_between_two_blank_lines_and_keeps_the_list) {
-    const failure_case& c = GetParam();
-    std::vector<std::string> args;
-    if (c.sites) args = {"--sites", sites_file(*c.sites)};
-    if (*c.fault) args.insert(args.end(), {"--fault", c.fault});
-    local_server server(cddb_server_script, args);
-    save_server_list({local_record(server)});
-    open_page page;
-    retrieve(page);
-
-    const auto popups = host.popups();
-    ASSERT_EQ(popups.size(), 1u);
-    const std::string& message = popups[0].message;
-    EXPECT_EQ(popups[0].title, "discora Tagger");
-    const std::string head = "An error occurred while trying to retrieve a server list from 127.0.0.1.\n\n";
-    ASSERT_EQ(message.substr(0, head.size()), head) << message;
-    ASSERT_GE(message.size(), head.size() + list_unaltered.size());
-    EXPECT_EQ(message.substr(message.size() - list_unaltered.size()), list_unaltered) << message;
-    const std::string error = message.substr(head.size(), message.size() - head.size() - list_unaltered.size());
-    EXPECT_EQ(error.find('\n'), std::string::npos) << error;
-    EXPECT_EQ(error.substr(0, c.error_begins.size()), c.error_begins);
-    ASSERT_GE(error.size(), c.error_ends.size());
-    EXPECT_EQ(error.substr(error.size() - c.error_ends.size()), c.error_ends);
-
-    EXPECT_EQ(page.rows(), (std::vector<std::pair<std::string, std::string>>{{"127.0.0.1", "Local test server"}}));
-    EXPECT_EQ(page.state(), unchanged_state);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    failures, retrieval_failure,
-    ::testing::Values(
-        failure_case{"cddb_status_500", "cddb-status:500", std::nullopt,
-                     "Invalid status code. Expected 210 or 401, got 500",
-                     "Invalid status code. Expected 210 or 401, got 500"},
-        failure_case{"http_status_500", "http-status:500", std::nullopt, "HTTP request to http://127.0.0.1:",
-                     " failed: 500"},
+// Every other answer is one message, the error between two blank lines, and the list stays.
+TEST_F(server_list_retrieval_test, an_answer_without_reachable_sites_or_a_failure_is_a_message_and_keeps_the_list) {
+    struct outcome_case {
+        const char* name;
+        const char* fault;                 // the server's fault, or "" for none
+        std::optional<std::string> sites;  // site lines, or none (the server has no site information: 401)
+        std::string message_begins, message_ends;
+    };
+    const std::string failed = "An error occurred while trying to retrieve a server list from 127.0.0.1.\n\n";
+    const std::string bad_status = "Invalid status code. Expected 210 or 401, got 500" + list_unaltered;
+    const outcome_case cases[] = {
+        {"only other protocols", "",
+         "a.cddb.invalid cddbp 8880 - N037.21 W121.55 First\r\nb.cddb.invalid cddbp 888 - s033.52 e151.12 Second\r\n",
+         no_servers_message("127.0.0.1"), ""},
+        {"no site information", "", std::nullopt, no_servers_message("127.0.0.1"), ""},
+        {"cddb status 500", "cddb-status:500", std::nullopt, failed + bad_status, ""},
+        {"http status 500", "http-status:500", std::nullopt, failed + "HTTP request to http://127.0.0.1:", " failed: 500" + list_unaltered},
         // The second line lacks its longitude.
-        failure_case{"malformed_site_line", "",
-                     "a.cddb.invalid http 80 /~cddb/cddb.cgi N037.21 W121.55 Fine\r\n"
-                     "b.cddb.invalid http 80 /~cddb/cddb.cgi N037.21\r\n",
-                     "Unsupported format or corrupted file", "Unsupported format or corrupted file"}),
-    [](const auto& info) { return std::string(info.param.name); });
+        {"malformed site line", "",
+         "a.cddb.invalid http 80 /~cddb/cddb.cgi N037.21 W121.55 Fine\r\nb.cddb.invalid http 80 /~cddb/cddb.cgi N037.21\r\n",
+         failed + "Unsupported format or corrupted file" + list_unaltered, ""},
+    };
+    for (const outcome_case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::vector<std::string> args;
+        if (c.sites) args = {"--sites", sites_file(*c.sites)};
+        if (*c.fault) args.insert(args.end(), {"--fault", c.fault});
+        local_server server(cddb_server_script, args);
+        save_server_list({local_record(server)});
+        const std::size_t popups_before = host.popups().size();
+        open_page page;
+        retrieve(page);
+
+        const auto popups = host.popups();
+        ASSERT_EQ(popups.size(), popups_before + 1);
+        const std::string& message = popups.back().message;
+        EXPECT_EQ(popups.back().title, "discora Tagger");
+        EXPECT_EQ(popups.back().flags, 0u);
+        ASSERT_GE(message.size(), c.message_begins.size() + c.message_ends.size());
+        EXPECT_EQ(message.substr(0, c.message_begins.size()), c.message_begins);
+        EXPECT_EQ(message.substr(message.size() - c.message_ends.size()), c.message_ends);
+        // The error between the blank lines is one line.
+        EXPECT_EQ(std::count(message.begin(), message.end(), '\n'), message.rfind(failed, 0) == 0 ? 4 : 2) << message;
+        EXPECT_EQ(page.rows(), (std::vector<std::pair<std::string, std::string>>{{"127.0.0.1", "Local test server"}}));
+        EXPECT_EQ(page.state(), unchanged_state);
+        EXPECT_EQ(page.state_changes(), 0);
+    }
+}
 
 TEST_F(server_list_retrieval_test, a_selected_server_without_a_protocol_handler_is_an_error_and_nothing_is_sent) {
     local_server server(cddb_server_script, {"--sites", five_sites});

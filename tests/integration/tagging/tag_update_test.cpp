@@ -53,9 +53,10 @@ struct tag_update_fixture : ::testing::Test {
         }
         return out;
     }
-    std::vector<std::uint32_t> run_update(const track_list& tracks) {
+    std::vector<std::uint32_t> run_update(const track_list& tracks,
+                                          service_ref<tag_update_filter> filter = make_service<title_filter>()) {
         auto done = make_service<recorded_completion>();
-        host_service<tag_update>()->update_async(tracks, make_service<title_filter>(), nullptr, 0, done, 42);
+        host_service<tag_update>()->update_async(tracks, filter, nullptr, 0, done, 42);
         host.run_until([&] { return !done->calls.empty(); });
         std::vector<std::uint32_t> ids_and_result;
         for (auto& [id, result] : done->calls) ids_and_result.insert(ids_and_result.end(), {id, result});
@@ -65,24 +66,21 @@ struct tag_update_fixture : ::testing::Test {
 
 } // namespace
 
+// What the filter changed is written; a file it left as it was ("keep") is not rewritten.
 TEST_F(tag_update_fixture, writes_what_the_filter_changed_and_reports_success) {
     auto paths = make_album(album.path(), {1.0, 1.5, 2.0}, audio_format::flac);
+    const auto kept = album / "keep-4.flac";
+    make_audio_file(kept, 44100, audio_format::flac);
+    const std::string kept_bytes = read_file(kept);
+    const auto kept_time = std::filesystem::last_write_time(kept);
     track_list tracks;
     for (auto& p : paths) tracks.push_back(make_file_track(p.string()));
+    tracks.push_back(make_file_track(kept.string()));
     EXPECT_EQ(run_update(tracks), (std::vector<std::uint32_t>{42, completion_notification::result_success}));
-    EXPECT_EQ(titles(tracks), (std::vector<std::string>{"Song 1", "Song 2", "Song 3"}));
+    EXPECT_EQ(titles(tracks), (std::vector<std::string>{"Song 1", "Song 2", "Song 3", "-"}));
+    EXPECT_EQ(read_file(kept), kept_bytes);
+    EXPECT_EQ(std::filesystem::last_write_time(kept), kept_time);
     EXPECT_TRUE(host.popups().empty());
-}
-
-TEST_F(tag_update_fixture, a_file_the_filter_left_as_it_was_is_not_rewritten) {
-    auto paths = make_album(album.path(), {1.0}, audio_format::flac);
-    auto kept = album / "keep-1.flac";
-    std::filesystem::rename(paths[0], kept);
-    const std::string before = read_file(kept);
-    auto mtime = std::filesystem::last_write_time(kept);
-    EXPECT_EQ(run_update({make_file_track(kept.string())}), (std::vector<std::uint32_t>{42, 0}));
-    EXPECT_EQ(read_file(kept), before);
-    EXPECT_EQ(std::filesystem::last_write_time(kept), mtime);
 }
 
 // The file lists its fields in its own order; the same fields in another order are no change.
@@ -102,11 +100,8 @@ TEST_F(tag_update_fixture, the_same_fields_in_another_order_do_not_rewrite_the_f
     run_audio_tool({"metaflac", "--set-tag=TITLE=One", "--set-tag=ARTIST=Two", "--set-tag=ALBUM=Three", paths[0].string()});
     const std::string before = read_file(paths[0]);
     auto mtime = std::filesystem::last_write_time(paths[0]);
-    auto done = make_service<recorded_completion>();
-    host_service<tag_update>()->update_async({make_file_track(paths[0].string())}, make_service<reorder_filter>(), nullptr, 0,
-                                             done, 7);
-    host.run_until([&] { return !done->calls.empty(); });
-    EXPECT_EQ(done->calls[0].second, completion_notification::result_success);
+    EXPECT_EQ(run_update({make_file_track(paths[0].string())}, make_service<reorder_filter>()),
+              (std::vector<std::uint32_t>{42, completion_notification::result_success}));
     EXPECT_EQ(read_file(paths[0]), before);
     EXPECT_EQ(std::filesystem::last_write_time(paths[0]), mtime);
 }
